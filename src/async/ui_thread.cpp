@@ -21,7 +21,11 @@ private:
 } // namespace
 
 ui_thread::ui_thread(UINT message) noexcept : message_(message), thread_(::GetCurrentThreadId())
-{}
+{
+    // A thread has no queue to post to before its first message call.
+    MSG none;
+    ::PeekMessageW(&none, nullptr, WM_USER, WM_USER, PM_NOREMOVE);
+}
 
 bool ui_thread::is_current() const noexcept
 {
