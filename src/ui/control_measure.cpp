@@ -1,0 +1,104 @@
+#include "ui/control_measure.h"
+
+#include "base/wide.h"
+#include "ui/controls.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace girder::ui {
+namespace {
+
+// Customary sizes in dialog units.
+constexpr int button_width = 50;
+constexpr int button_height = 14;
+constexpr int button_padding = 6;
+constexpr int mark_height = 10;
+constexpr int mark_gap = 3;
+constexpr int edit_height = 13;
+constexpr int row_height = 10;
+constexpr int average_character = 4;
+constexpr int group_margin = 7;
+constexpr int group_top = 13;
+
+std::u16string combo_entry(HWND combo, WPARAM position)
+{
+    const LRESULT length = ::SendMessageW(combo, CB_GETLBTEXTLEN, position, 0);
+    if (length == CB_ERR)
+        return {};
+    std::u16string text(static_cast<std::size_t>(length) + 1, u'\0');
+    ::SendMessageW(combo, CB_GETLBTEXT, position, reinterpret_cast<LPARAM>(text.data()));
+    text.pop_back();
+    return text;
+}
+
+} // namespace
+
+control_measure::control_measure(HWND dialog, HFONT font, UINT dpi) : dialog_(dialog), text_(font), units_(font, dpi)
+{}
+
+int control_measure::metric(int index) const noexcept
+{
+    return ::GetSystemMetricsForDpi(index, units_.dpi());
+}
+
+extent control_measure::label_extent(int id) const
+{
+    return text_.label(window_text(control(id)));
+}
+
+box control_measure::push_button(int id) const
+{
+    const extent caption = label_extent(id);
+    return control_box(
+        id, {.width = std::max(units_.horizontal(button_width), caption.width + 2 * units_.horizontal(button_padding)),
+             .height = std::max(units_.vertical(button_height), caption.height + units_.vertical(button_padding))});
+}
+
+box control_measure::mark_button(int id) const
+{
+    const extent caption = label_extent(id);
+    const int mark = metric(SM_CXMENUCHECK) + units_.horizontal(mark_gap);
+    return control_box(id, {.width = mark + caption.width + units_.horizontal(mark_gap),
+                            .height = std::max(units_.vertical(mark_height), caption.height)});
+}
+
+box control_measure::label(int id) const
+{
+    return control_box(id, label_extent(id));
+}
+
+box control_measure::edit(int id, int characters) const
+{
+    return control_box(
+        id, {.width = units_.horizontal(characters * average_character), .height = units_.vertical(edit_height)});
+}
+
+box control_measure::drop_down_list(int id) const
+{
+    const HWND combo = control(id);
+    const LRESULT entries = ::SendMessageW(combo, CB_GETCOUNT, 0, 0);
+    int widest = units_.horizontal(button_width);
+    for (LRESULT i = 0; i < entries; ++i)
+        widest = std::max(widest, text_.line(combo_entry(combo, static_cast<WPARAM>(i))).width);
+    const auto selection = static_cast<int>(::SendMessageW(combo, CB_GETITEMHEIGHT, static_cast<WPARAM>(-1), 0));
+    return control_box(id, {.width = widest + metric(SM_CXVSCROLL) + 2 * units_.horizontal(mark_gap),
+                            .height = selection + 2 * (metric(SM_CYEDGE) + metric(SM_CYBORDER))});
+}
+
+box control_measure::list(int id, int rows, int characters) const
+{
+    return control_box(id, {.width = units_.horizontal(characters * average_character) + metric(SM_CXVSCROLL),
+                            .height = units_.vertical(rows * row_height) + 2 * metric(SM_CYBORDER)});
+}
+
+box control_measure::group(int id, box inner) const
+{
+    const int side = units_.horizontal(group_margin);
+    return framed(
+        id, std::move(inner),
+        {.left = side, .top = units_.vertical(group_top), .right = side, .bottom = units_.vertical(group_margin)},
+        label_extent(id).width + 4 * side);
+}
+
+} // namespace girder::ui

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "ui/dpi.h"
+#include "ui/layout.h"
+#include "ui/text_measure.h"
+
+#include <windows.h>
+
+namespace girder::ui {
+
+/// The boxes of a dialog's controls: each of the size that shows the control's present text whole, and never smaller
+/// than the control's customary size. For one dialog, font and DPI.
+class control_measure {
+public:
+    /// \param font  the font the controls have at `dpi`; outlives the object
+    control_measure(HWND dialog, HFONT font, UINT dpi);
+
+    const dialog_units& units() const noexcept { return units_; }
+    const text_measure& text() const noexcept { return text_; }
+
+    box push_button(int id) const;
+    /// A check box or radio button.
+    box mark_button(int id) const;
+    box label(int id) const;
+    /// A one-line edit of at least `characters` average characters.
+    box edit(int id, int characters) const;
+    /// A closed drop-down list, wide enough for its longest entry.
+    box drop_down_list(int id) const;
+    /// A list view that shows at least `rows` rows of `characters` average characters.
+    box list(int id, int rows, int characters) const;
+    /// A group box around `inner`.
+    box group(int id, box inner) const;
+
+private:
+    HWND control(int id) const noexcept { return ::GetDlgItem(dialog_, id); }
+    int metric(int index) const noexcept;
+    extent label_extent(int id) const;
+
+    HWND dialog_;
+    text_measure text_;
+    dialog_units units_;
+};
+
+} // namespace girder::ui
