@@ -1,0 +1,38 @@
+"""The grammar of the placeholders in a text, as the program's format language reads them."""
+
+import re
+
+from problem import Problem
+
+# Each choice is final, as it is in the language's reader, which never goes back.
+_PLACEHOLDER = re.compile(
+    r"""\{
+    [0-9]*+                                       # argument
+    (?>
+        [+celnu]
+      | s a?+
+      | \? [<|>]                                  # begin, alternative and end of a condition
+      | a .                                       # alignment
+      | b 0?+ (?> 0*16 (?![0-9]) [xX]?+ p?+ | [0-9]*+ )
+      | f .                                       # fill character, of any kind
+      | p [0-9]*+
+      | t \( [^})]*+ \)
+      | w [0-9]*+ (?> , [0-9]*+ )?+
+    )*+
+    \}""",
+    re.VERBOSE | re.DOTALL,
+)
+
+
+def check(text: str) -> None:
+    """Raises Problem when the format language would refuse the text."""
+    position = text.find("{")
+    while position >= 0:
+        if text.startswith("{{", position):
+            position += 2
+        else:
+            placeholder = _PLACEHOLDER.match(text, position)
+            if placeholder is None:
+                raise Problem(f"malformed placeholder at '{text[position:position + 20]}'")
+            position = placeholder.end()
+        position = text.find("{", position)

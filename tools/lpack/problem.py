@@ -1,0 +1,2 @@
+class Problem(Exception):
+    """Something is wrong with the input; the text names the place and says what."""
