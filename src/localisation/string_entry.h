@@ -1,0 +1,83 @@
+#pragma once
+
+#include "localisation/little_endian.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace tidelink {
+
+/// One entry of a string pack. It refers to the pack's memory and copies nothing.
+///
+/// A text is served where it is stored, which is at an odd address when the headers in front of it are of odd length.
+/// The x86-64 processors read it there like anywhere else, and so do the system's functions; code compiled with
+/// alignment checks has to copy the bytes of such a text before it looks inside. The packs that this project builds
+/// keep their texts at even addresses.
+class StringEntry {
+public:
+    /// An entry that is not there.
+    constexpr StringEntry() noexcept = default;
+
+    /// The entry whose stored form begins at `stored`. The caller has found all of it to be within the pack.
+    explicit StringEntry(const std::byte* stored) noexcept
+        : stored_(stored), id_(load_number<std::uint32_t>(stored)),
+          is_list_((load_number<std::uint32_t>(stored + kind_and_revision_at) & kind_mask) != 0)
+    {
+        if (!is_list_)
+            length_ = load_number<std::uint16_t>(stored + length_at);
+    }
+
+    /// False for an entry that is not there; nothing else may be asked of one.
+    explicit operator bool() const noexcept { return stored_ != nullptr; }
+
+    std::uint32_t id() const noexcept { return id_; }
+
+    /// Revision of the English text that this entry was made for, 30 bits.
+    std::uint32_t revision() const noexcept
+    {
+        return load_number<std::uint32_t>(stored_ + kind_and_revision_at) >> revision_shift;
+    }
+
+    /// The text; empty for a list. A null unit follows the last one, so that data() may go to a function that wants
+    /// one.
+    std::u16string_view text() const noexcept { return is_list_ ? no_text : view(stored_ + text_at, length_); }
+
+    /// The item of a list at `index`: when several were stored for the index, the last one. Empty where there is none,
+    /// and for a single text. Followed by a null unit. Takes time in proportion to the number of items.
+    std::u16string_view item(std::uint32_t index) const noexcept;
+
+    /// Bytes that the stored entry takes which begins at `stored`, of which `available` bytes may be read. 0 when it is
+    /// malformed: a length or count leads further, or a text is not followed by its null.
+    static std::size_t stored_size(const std::byte* stored, std::size_t available) noexcept;
+
+    /// No stored entry is shorter.
+    static constexpr std::size_t min_stored_size = 12;
+
+private:
+    // The stored form: id, kind and revision; for a single text its length and its units; for a list the number of
+    // items and for each of them index, length and units. A null unit follows every text.
+    static constexpr std::size_t kind_and_revision_at = 4;
+    static constexpr std::uint32_t kind_mask = 3;
+    static constexpr unsigned revision_shift = 2;
+    static constexpr std::size_t length_at = 8;
+    static constexpr std::size_t text_at = 10;
+    static constexpr std::size_t item_count_at = 8;
+    static constexpr std::size_t items_at = 12;
+
+    /// Empty, yet with a null unit behind it.
+    static constexpr std::u16string_view no_text{u"", 0};
+
+    /// The one place where stored bytes become a text.
+    static std::u16string_view view(const std::byte* units, std::size_t length) noexcept
+    {
+        return {reinterpret_cast<const char16_t*>(units), length};
+    }
+
+    const std::byte* stored_ = nullptr;
+    std::uint32_t id_ = 0;
+    std::uint16_t length_ = 0;
+    bool is_list_ = false;
+};
+
+} // namespace tidelink

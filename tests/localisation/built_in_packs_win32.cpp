@@ -1,0 +1,7 @@
+#include "built_in_packs.h"
+#include "localisation/string_tables.h"
+
+void support::load_built_in_packs()
+{
+    tidelink::initialise();
+}

@@ -1,0 +1,120 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <initializer_list>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace support {
+
+using pack_bytes = std::vector<std::byte>;
+
+template <typename Number>
+void append(pack_bytes& bytes, Number number)
+{
+    const auto* const first = reinterpret_cast<const std::byte*>(&number);
+    bytes.insert(bytes.end(), first, first + sizeof number);
+}
+
+inline void append_text(pack_bytes& bytes, std::u16string_view text)
+{
+    append(bytes, static_cast<std::uint16_t>(text.size()));
+    for (const char16_t unit : text)
+        append(bytes, unit);
+    append(bytes, char16_t{0});
+}
+
+inline void append_signature(pack_bytes& bytes)
+{
+    for (const int value :
+         {0x79, 0x2B, 0x13, 0xEF, 0xBB, 0x4F, 0xF7, 0x43, 0x84, 0x1A, 0x26, 0x0C, 0x00, 0xFF, 0x99, 0x29})
+        bytes.push_back(static_cast<std::byte>(value));
+}
+
+/// Puts a string pack together, entry by entry.
+class pack_builder {
+public:
+    /// \param locale_name  an even number of characters moves the texts to odd addresses
+    explicit pack_builder(std::string_view locale_name = "ENU", std::string_view language_tag = "en")
+    {
+        append_name(locale_name);
+        append_name(language_tag);
+        append(header_, std::uint8_t{2});
+        append(header_, std::uint16_t{0});
+    }
+
+    pack_builder& text(std::uint32_t id, std::uint32_t revision, std::u16string_view text)
+    {
+        begin_entry(id, revision << 2U);
+        append_text(entries_, text);
+        return *this;
+    }
+
+    pack_builder& list(std::uint32_t id, std::uint32_t revision,
+                       std::initializer_list<std::pair<std::uint32_t, std::u16string_view>> items,
+                       std::uint32_t kind = 1)
+    {
+        begin_entry(id, revision << 2U | kind);
+        append(entries_, static_cast<std::uint32_t>(items.size()));
+        for (const auto& [index, item] : items) {
+            append(entries_, index);
+            append_text(entries_, item);
+        }
+        return *this;
+    }
+
+    /// As in a module of a pack file.
+    pack_bytes bare() const
+    {
+        pack_bytes bytes = header_;
+        append(bytes, count_);
+        bytes.insert(bytes.end(), entries_.begin(), entries_.end());
+        return bytes;
+    }
+
+    /// As in a resource.
+    pack_bytes with_signature() const
+    {
+        pack_bytes bytes;
+        append_signature(bytes);
+        const pack_bytes rest = bare();
+        bytes.insert(bytes.end(), rest.begin(), rest.end());
+        return bytes;
+    }
+
+private:
+    void append_name(std::string_view name)
+    {
+        append(header_, static_cast<std::uint16_t>(name.size()));
+        for (const char character : name)
+            append(header_, character);
+        append(header_, '\0');
+    }
+
+    void begin_entry(std::uint32_t id, std::uint32_t kind_and_revision)
+    {
+        append(entries_, id);
+        append(entries_, kind_and_revision);
+        ++count_;
+    }
+
+    pack_bytes header_;
+    pack_bytes entries_;
+    std::uint32_t count_ = 0;
+};
+
+/// A copy of a text at any address. Its bytes are copied: even std::memcpy is taken for an access to units by UBSan.
+inline std::u16string copy_of(std::u16string_view text)
+{
+    std::u16string copy(text.size(), u'\0');
+    if (!text.empty())
+        std::memcpy(copy.data(), reinterpret_cast<const std::byte*>(text.data()), text.size() * sizeof(char16_t));
+    return copy;
+}
+
+} // namespace support

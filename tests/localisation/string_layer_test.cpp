@@ -1,0 +1,243 @@
+#include "localisation/string_layer.h"
+#include "pack_builder.h"
+#include "support/cases.h"
+
+#include <functional>
+#include <random>
+#include <unordered_map>
+
+namespace tidelink {
+namespace {
+
+using support::copy_of;
+using support::pack_builder;
+using support::pack_bytes;
+
+std::u16string text_of(const StringLayer& layer, std::uint32_t id)
+{
+    const StringEntry* const entry = layer.find(id);
+    return entry != nullptr ? copy_of(entry->text()) : u"(none)";
+}
+
+std::optional<StringLayer> read(const pack_bytes& pack, const StringLayer* beneath = nullptr)
+{
+    return StringLayer::read(pack, pack_form::bare, beneath);
+}
+
+TEST(string_layer_test, serves_texts_from_the_memory_of_the_pack)
+{
+    for (const std::string_view locale_name : {"ENU", "German_Germany"}) {
+        const pack_bytes pack = pack_builder(locale_name, "en").text(7, 3, u"Seven").text(0, 1, u"").with_signature();
+        const auto layer = StringLayer::read(pack, pack_form::with_signature, nullptr);
+        ASSERT_TRUE(layer);
+        EXPECT_EQ(layer->locale_name(), locale_name);
+        EXPECT_EQ(layer->language_tag(), "en");
+
+        const StringEntry* const seven = layer->find(7);
+        ASSERT_TRUE(seven);
+        EXPECT_EQ(seven->id(), 7U);
+        EXPECT_EQ(seven->revision(), 3U);
+        EXPECT_EQ(copy_of(seven->text()), u"Seven");
+        const auto* const first = reinterpret_cast<const std::byte*>(seven->text().data());
+        EXPECT_TRUE(first > pack.data() && first < pack.data() + pack.size());
+        EXPECT_EQ(first[10], std::byte{0});
+        EXPECT_EQ(copy_of(seven->item(0)), u"");
+
+        EXPECT_EQ(text_of(*layer, 0), u"");
+        EXPECT_EQ(layer->find(8), nullptr);
+    }
+}
+
+TEST(string_layer_test, serves_items_by_index)
+{
+    constexpr std::uint32_t largest = 0xFFFFFFFF;
+    const pack_bytes pack = pack_builder()
+                                .list(1, 5, {{4, u"four"}, {0, u"zero"}, {1, u"one"}})
+                                .list(2, 0, {})
+                                .list(3, 0, {{0, u"older"}, {0, u"newer"}}, 2)
+                                .list(4, 0, {{largest, u"largest"}}, 3)
+                                .bare();
+    const auto layer = read(pack);
+    ASSERT_TRUE(layer);
+    const StringEntry& sparse = *layer->find(1);
+    EXPECT_EQ(sparse.revision(), 5U);
+    EXPECT_EQ(sparse.text(), u"");
+    EXPECT_EQ(sparse.item(0), u"zero");
+    EXPECT_EQ(sparse.item(1), u"one");
+    EXPECT_EQ(sparse.item(2), u"");
+    EXPECT_EQ(sparse.item(3), u"");
+    EXPECT_EQ(sparse.item(4), u"four");
+    EXPECT_EQ(sparse.item(5), u"");
+    EXPECT_EQ(layer->find(2)->item(0), u"");
+    EXPECT_EQ(layer->find(3)->item(0), u"newer");
+    EXPECT_EQ(layer->find(4)->item(largest), u"largest");
+    EXPECT_EQ(layer->find(4)->item(0), u"");
+}
+
+TEST(string_layer_test, keeps_the_first_entry_of_an_id)
+{
+    const pack_bytes pack =
+        pack_builder().text(1, 0, u"first").text(1, 9, u"second").list(1, 0, {{0, u"third"}}).bare();
+    EXPECT_EQ(text_of(*read(pack), 1), u"first");
+}
+
+TEST(string_layer_test, drops_stale_entries)
+{
+    const pack_bytes bottom = pack_builder().text(1, 1, u"bottom").text(2, 1, u"bottom").text(3, 1, u"bottom").bare();
+    const pack_bytes middle = pack_builder().text(1, 1, u"middle").text(2, 2, u"middle").bare();
+    const pack_bytes top = pack_builder()
+                               .text(1, 0, u"stale")
+                               .text(1, 1, u"top")
+                               .text(2, 2, u"made for the stale one")
+                               .text(3, 1, u"over two layers")
+                               .text(4, 0, u"only here")
+                               .bare();
+    const auto english = read(bottom);
+    const auto first = read(middle, &*english);
+    const auto second = read(top, &*first);
+    EXPECT_EQ(text_of(*first, 1), u"middle");
+    EXPECT_EQ(text_of(*first, 2), u"bottom");
+    EXPECT_EQ(text_of(*second, 1), u"top");
+    EXPECT_EQ(text_of(*second, 2), u"bottom");
+    EXPECT_EQ(text_of(*second, 3), u"over two layers");
+    EXPECT_EQ(text_of(*second, 4), u"only here");
+    EXPECT_EQ(text_of(*first, 4), u"(none)");
+}
+
+TEST(string_layer_test, revisions_have_30_bits)
+{
+    constexpr std::uint32_t largest = 0x3FFFFFFF;
+    const pack_bytes pack = pack_builder().text(1, largest, u"text").list(2, largest, {{0, u"item"}}, 3).bare();
+    const auto layer = read(pack);
+    EXPECT_EQ(layer->find(1)->revision(), largest);
+    EXPECT_EQ(layer->find(2)->revision(), largest);
+}
+
+TEST(string_layer_test, an_empty_pack_adds_nothing)
+{
+    const pack_bytes bottom = pack_builder().text(1, 0, u"one").bare();
+    const pack_bytes empty = pack_builder().bare();
+    const auto english = read(bottom);
+    const auto layer = read(empty, &*english);
+    ASSERT_TRUE(layer);
+    EXPECT_EQ(text_of(*layer, 1), u"one");
+    EXPECT_EQ(text_of(*read(empty), 1), u"(none)");
+}
+
+// Multiples of the inverse of the hash's factor share one home: a search must end, and the first entry still counts.
+TEST(string_layer_test, finds_ids_that_collide)
+{
+    constexpr std::uint32_t inverse_of_factor = 0x0E8B2F51;
+    static_assert(inverse_of_factor * 0x9E3779B1U == 1);
+    constexpr std::uint32_t count = 200;
+    pack_builder builder;
+    for (std::uint32_t number = 0; number < count; ++number)
+        builder.text(number * inverse_of_factor, 0, std::u16string(number, u'x'));
+    for (std::uint32_t number = 0; number < count; ++number)
+        builder.text(number * inverse_of_factor, 0, u"later");
+    const pack_bytes pack = builder.bare();
+    const pack_bytes upper = pack_builder().text(count * inverse_of_factor, 0, u"upper").bare();
+    const auto lower_layer = read(pack);
+    const auto layer = read(upper, &*lower_layer);
+    for (std::uint32_t number = 0; number < count; ++number)
+        ASSERT_EQ(layer->find(number * inverse_of_factor)->text().size(), number);
+    EXPECT_EQ(text_of(*layer, count * inverse_of_factor), u"upper");
+    EXPECT_EQ(layer->find((count + 1) * inverse_of_factor), nullptr);
+}
+
+// The rules, applied in the simplest way to layers of random entries.
+TEST(string_layer_test, agrees_with_plain_maps)
+{
+    std::mt19937 random(1); // NOLINT(cert-msc51-cpp): the same packs in every run
+    const auto below = [&](std::uint32_t limit) { return static_cast<std::uint32_t>(random() % limit); };
+    for (int round = 0; round < 50; ++round) {
+        const std::uint32_t ids = 1 + below(400);
+        std::unordered_map<std::uint32_t, std::pair<std::uint32_t, std::u16string>> expected;
+        std::vector<pack_bytes> packs;
+        std::optional<StringLayer> layer;
+        for (char16_t number = u'a'; number < u'e'; ++number) {
+            pack_builder builder(round % 2 == 0 ? "ENU" : "even");
+            auto layer_texts = expected;
+            std::unordered_map<std::uint32_t, bool> seen;
+            for (std::uint32_t left = below(2 * ids); left > 0; --left) {
+                const std::uint32_t id = below(ids) * 0x10001U;
+                const std::uint32_t revision = below(2);
+                const std::u16string text(below(40), number);
+                builder.text(id, revision, text);
+                const auto lower = expected.find(id);
+                const bool stale = lower != expected.end() && lower->second.first != revision;
+                if (!stale && seen.emplace(id, true).second)
+                    layer_texts[id] = {revision, text};
+            }
+            expected = layer_texts;
+            packs.push_back(builder.bare());
+            layer = read(packs.back(), layer ? &*layer : nullptr);
+            ASSERT_TRUE(layer);
+        }
+        for (std::uint32_t id = 0; id < ids; ++id) {
+            const auto wanted = expected.find(id * 0x10001U);
+            ASSERT_EQ(text_of(*layer, id * 0x10001U), wanted != expected.end() ? wanted->second.second : u"(none)");
+        }
+    }
+}
+
+pack_bytes sample()
+{
+    return pack_builder()
+        .text(1, 0, u"one")
+        .list(2, 0, {{0, u"zero"}, {5, u"five"}})
+        .text(3, 0, u"three")
+        .with_signature();
+}
+
+// The copies are as long as the cut pack, so that a sanitizer sees every access behind the end.
+TEST(string_layer_test, refuses_a_pack_cut_anywhere)
+{
+    const pack_bytes whole = sample();
+    ASSERT_TRUE(StringLayer::read(whole, pack_form::with_signature, nullptr));
+    for (auto end = whole.begin(); end != whole.end(); ++end)
+        EXPECT_FALSE(StringLayer::read(pack_bytes(whole.begin(), end), pack_form::with_signature, nullptr))
+            << end - whole.begin();
+}
+
+struct damage_case {
+    const char* name;
+    std::size_t at;
+    std::uint8_t value;
+    bool accepted;
+};
+
+class damaged_pack : public testing::TestWithParam<damage_case> {};
+
+TEST_P(damaged_pack, is_refused_unless_the_byte_is_free)
+{
+    pack_bytes pack = sample();
+    pack.at(GetParam().at) = std::byte{GetParam().value};
+    EXPECT_EQ(StringLayer::read(pack, pack_form::with_signature, nullptr).has_value(), GetParam().accepted);
+}
+
+// Offsets in the sample: names at 16 and 22, extra at 27, count at 30, the first entry at 34 (its length at 42, its
+// null at 50), the list at 52 (its count at 60, its first item at 64).
+INSTANTIATE_TEST_SUITE_P(
+    byte, damaged_pack,
+    testing::Values(damage_case{"signature_start", 0, 0, false}, damage_case{"signature_end", 15, 0, false},
+                    damage_case{"locale_name_length", 17, 0xFF, false}, damage_case{"locale_name_null", 21, 1, false},
+                    damage_case{"language_tag_length", 23, 0xFF, false}, damage_case{"language_tag_null", 26, 1, false},
+                    damage_case{"extra_length", 27, 0xFF, false}, damage_case{"extra_content", 28, 1, true},
+                    damage_case{"one_entry_more", 30, 4, false}, damage_case{"entry_count", 33, 0xFF, false},
+                    damage_case{"fewer_entries_than_there_are", 30, 2, true},
+                    damage_case{"text_length", 43, 0xFF, false}, damage_case{"text_null", 51, 1, false},
+                    damage_case{"item_count", 63, 0xFF, false}, damage_case{"item_index", 67, 0xFF, true},
+                    damage_case{"item_length", 69, 0xFF, false}, damage_case{"item_null", 78, 1, false}),
+    support::name_of_row);
+
+TEST(string_layer_test, a_signature_is_read_where_one_is_expected_only)
+{
+    const pack_bytes bare = pack_builder().text(1, 0, u"one").bare();
+    EXPECT_TRUE(StringLayer::read(bare, pack_form::bare, nullptr));
+    EXPECT_FALSE(StringLayer::read(bare, pack_form::with_signature, nullptr));
+    EXPECT_FALSE(StringLayer::read(sample(), pack_form::bare, nullptr));
+}
+
+} // namespace
+} // namespace tidelink
