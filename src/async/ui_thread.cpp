@@ -1,25 +1,11 @@
 #include "async/ui_thread.h"
 
+#include "async/srw_lock.h"
 #include "base/win32_error.h"
 
 #include <algorithm>
 
 namespace girder {
-namespace {
-
-class exclusive_lock {
-public:
-    explicit exclusive_lock(SRWLOCK& lock) noexcept : lock_(lock) { ::AcquireSRWLockExclusive(&lock_); }
-    exclusive_lock(const exclusive_lock&) = delete;
-    exclusive_lock& operator=(const exclusive_lock&) = delete;
-    ~exclusive_lock() { ::ReleaseSRWLockExclusive(&lock_); }
-
-private:
-    SRWLOCK& lock_;
-};
-
-} // namespace
-
 ui_thread::ui_thread(UINT message) noexcept : message_(message), thread_(::GetCurrentThreadId())
 {
     // A thread has no queue to post to before its first message call.
