@@ -16,7 +16,9 @@ constexpr int button_padding = 6;
 constexpr int mark_height = 10;
 constexpr int mark_gap = 3;
 constexpr int edit_height = 13;
+constexpr int edit_margin = 3;
 constexpr int row_height = 10;
+constexpr int least_rows = 3;
 constexpr int average_character = 4;
 constexpr int group_margin = 7;
 constexpr int group_top = 13;
@@ -68,10 +70,18 @@ box control_measure::label(int id) const
     return control_box(id, label_extent(id));
 }
 
+box control_measure::wrapped_text(int id, int widest) const
+{
+    const std::u16string text = window_text(control(id));
+    return wrapped_box(id, text_.wrapped(text, widest).width,
+                       [this, text](int width) { return text_.wrapped(text, width).height; });
+}
+
 box control_measure::edit(int id, int characters) const
 {
-    return control_box(
-        id, {.width = units_.horizontal(characters * average_character), .height = units_.vertical(edit_height)});
+    const int text = text_.line(window_text(control(id))).width + 2 * units_.horizontal(edit_margin);
+    return control_box(id, {.width = std::max(units_.horizontal(characters * average_character), text),
+                            .height = units_.vertical(edit_height)});
 }
 
 box control_measure::drop_down_list(int id) const
@@ -88,8 +98,10 @@ box control_measure::drop_down_list(int id) const
 
 box control_measure::list(int id, int rows, int characters) const
 {
-    return control_box(id, {.width = units_.horizontal(characters * average_character) + metric(SM_CXVSCROLL),
-                            .height = units_.vertical(rows * row_height) + 2 * metric(SM_CYBORDER)});
+    const int width = units_.horizontal(characters * average_character) + metric(SM_CXVSCROLL);
+    const auto height_of = [&](int shown) { return units_.vertical(shown * row_height) + 2 * metric(SM_CYBORDER); };
+    return shrinking_to({.width = width, .height = height_of(std::min(rows, least_rows))},
+                        control_box(id, {.width = width, .height = height_of(rows)}));
 }
 
 box control_measure::group(int id, box inner) const

@@ -17,16 +17,20 @@ public:
 
     const dialog_units& units() const noexcept { return units_; }
     const text_measure& text() const noexcept { return text_; }
+    UINT dpi() const noexcept { return units_.dpi(); }
 
     box push_button(int id) const;
     /// A check box or radio button.
     box mark_button(int id) const;
     box label(int id) const;
-    /// A one-line edit of at least `characters` average characters.
+    /// A static text (SS_NOPREFIX | SS_EDITCONTROL) broken into lines of at most `widest` pixels. The box refers to
+    /// this object.
+    box wrapped_text(int id, int widest) const;
+    /// A one-line edit of at least `characters` average characters, and of its present text.
     box edit(int id, int characters) const;
     /// A closed drop-down list, wide enough for its longest entry.
     box drop_down_list(int id) const;
-    /// A list view that shows at least `rows` rows of `characters` average characters.
+    /// A list view that shows `rows` rows of `characters` average characters; where room lacks, fewer rows.
     box list(int id, int rows, int characters) const;
     /// A group box around `inner`.
     box group(int id, box inner) const;

@@ -19,6 +19,13 @@ void set_window_text(HWND window, std::u16string_view text)
     ::SetWindowTextW(window, as_wide(std::u16string(text)));
 }
 
+void set_enabled(HWND control, bool enabled) noexcept
+{
+    if (!enabled && ::GetFocus() == control)
+        ::SendMessageW(::GetParent(control), WM_NEXTDLGCTL, 0, FALSE);
+    ::EnableWindow(control, enabled);
+}
+
 bool is_checked_button(HWND button) noexcept
 {
     return ::SendMessageW(button, BM_GETCHECK, 0, 0) == BST_CHECKED;
@@ -100,9 +107,9 @@ std::uint32_t parameter(HWND list, int item) noexcept
 
 void fit_column(HWND list) noexcept
 {
+    ::SendMessageW(list, LVM_SETCOLUMNWIDTH, 0, LPARAM{LVSCW_AUTOSIZE});
     RECT inside{};
     ::GetClientRect(list, &inside);
-    ::SendMessageW(list, LVM_SETCOLUMNWIDTH, 0, LPARAM{LVSCW_AUTOSIZE});
     const auto longest = static_cast<int>(::SendMessageW(list, LVM_GETCOLUMNWIDTH, 0, 0));
     ::SendMessageW(list, LVM_SETCOLUMNWIDTH, 0, std::max(longest, static_cast<int>(inside.right)));
 }

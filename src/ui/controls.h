@@ -17,6 +17,9 @@ namespace girder::ui {
 std::u16string window_text(HWND window);
 void set_window_text(HWND window, std::u16string_view text);
 
+/// Disabling the control that has the focus passes the focus on: the keyboard would be without effect.
+void set_enabled(HWND control, bool enabled) noexcept;
+
 bool is_checked_button(HWND button) noexcept;
 void set_checked_button(HWND button, bool checked) noexcept;
 

@@ -1,6 +1,7 @@
 #include "ui/dialog.h"
 
 #include "base/win32_error.h"
+#include "ui/dpi.h"
 
 #include <utility>
 
@@ -10,40 +11,92 @@ namespace {
 /// Hands the object to the procedure while the system creates its window.
 thread_local dialog* current_thread_dialog = nullptr;
 
+/// Messages whose result is what the procedure returns, where that of others is set aside in the window.
+bool returns_its_result(UINT message) noexcept
+{
+    return (message >= WM_CTLCOLORMSGBOX && message <= WM_CTLCOLORSTATIC) || message == WM_COMPAREITEM ||
+           message == WM_VKEYTOITEM || message == WM_CHARTOITEM || message == WM_QUERYDRAGICON;
+}
+
 } // namespace
 
 dialog::~dialog()
 {
-    if (window_)
-        ::DestroyWindow(window_);
+    if (!window_)
+        return;
+    ::SetWindowLongPtrW(window_, GWLP_USERDATA, 0);
+    ::DestroyWindow(window_);
 }
 
-HWND dialog::create_modeless(int template_id, HWND owner, const char* failure_text)
+void dialog::begin_creation() noexcept
 {
+    stage_ = stage::creating;
+    error_ = nullptr;
     current_thread_dialog = this;
+}
+
+void dialog::rethrow_error()
+{
+    if (error_)
+        std::rethrow_exception(std::exchange(error_, nullptr));
+}
+
+HWND dialog::create_modeless(int template_id, HWND owner, const char* failed_call)
+{
+    modal_ = false;
+    begin_creation();
     const HWND created = ::CreateDialogParamW(::GetModuleHandleW(nullptr), MAKEINTRESOURCEW(template_id), owner,
                                               procedure, reinterpret_cast<LPARAM>(this));
     const DWORD code = ::GetLastError();
     current_thread_dialog = nullptr;
-    if (creation_error_)
-        std::rethrow_exception(std::exchange(creation_error_, nullptr));
+    if (error_ && window_)
+        ::DestroyWindow(window_);
+    rethrow_error();
     if (!created)
-        throw_win32(code, failure_text);
+        throw_win32(code, failed_call);
     return created;
 }
 
 INT_PTR dialog::run_modal(int template_id, HWND owner)
 {
-    current_thread_dialog = this;
+    modal_ = true;
+    begin_creation();
     const INT_PTR result = ::DialogBoxParamW(::GetModuleHandleW(nullptr), MAKEINTRESOURCEW(template_id), owner,
                                              procedure, reinterpret_cast<LPARAM>(this));
     const DWORD code = ::GetLastError();
     current_thread_dialog = nullptr;
-    if (creation_error_)
-        std::rethrow_exception(std::exchange(creation_error_, nullptr));
-    if (result == -1)
+    rethrow_error();
+    if (stage_ != stage::running)
         throw_win32(code, "DialogBoxParamW");
     return result;
+}
+
+void dialog::end_with(std::exception_ptr error) noexcept
+{
+    error_ = std::move(error);
+    end(0);
+}
+
+void dialog::lay_out(UINT dpi)
+{
+    layout_.apply(window_, dpi, [this](const control_measure& measure) { return layout(measure); });
+    on_laid_out();
+}
+
+bool dialog::change_dpi(UINT dpi, const RECT& suggested)
+{
+    if (layout_.dpi() == 0)
+        return false;
+    if (dpi == layout_.dpi())
+        return true;
+    layout_.apply(window_, dpi, suggested, [this](const control_measure& measure) { return layout(measure); });
+    on_laid_out();
+    return true;
+}
+
+box dialog::layout(const control_measure&) const
+{
+    return {};
 }
 
 bool dialog::on_command(WPARAM, LPARAM)
@@ -61,56 +114,77 @@ bool dialog::on_message(UINT, WPARAM, LPARAM, LRESULT&)
     return false;
 }
 
-INT_PTR CALLBACK dialog::procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam)
+INT_PTR CALLBACK dialog::procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) noexcept
 {
-    if (current_thread_dialog) {
-        dialog* const created = std::exchange(current_thread_dialog, nullptr);
-        ::SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(created));
-        created->window_ = window;
+    auto* self = reinterpret_cast<dialog*>(::GetWindowLongPtrW(window, GWLP_USERDATA));
+    // A window that has its object leaves the slot alone: creating a modal dialog sends messages to its owner too.
+    if (!self && current_thread_dialog) {
+        self = std::exchange(current_thread_dialog, nullptr);
+        ::SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(self));
+        self->window_ = window;
     }
-    auto* const self = reinterpret_cast<dialog*>(::GetWindowLongPtrW(window, GWLP_USERDATA));
     if (!self)
         return FALSE;
-    const INT_PTR handled = self->dispatch_guarded(message, wparam, lparam);
+    const INT_PTR result = self->handle(message, wparam, lparam);
     if (message == WM_NCDESTROY)
         self->window_ = nullptr;
-    return handled;
+    return result;
 }
 
-INT_PTR dialog::dispatch_guarded(UINT message, WPARAM wparam, LPARAM lparam) noexcept
+void dialog::fail(std::exception_ptr error) noexcept
 {
-    try {
-        return dispatch(message, wparam, lparam);
-    } catch (...) {
-        if (message == WM_INITDIALOG) {
-            creation_error_ = std::current_exception();
-            ::DestroyWindow(window_);
-        } else {
-            on_error(std::current_exception());
-        }
-        return TRUE;
-    }
+    if (stage_ != stage::creating)
+        on_error(std::move(error));
+    else if (!error_)
+        error_ = std::move(error);
 }
 
-INT_PTR dialog::dispatch(UINT message, WPARAM wparam, LPARAM lparam)
+INT_PTR dialog::initialise() noexcept
+{
+    bool default_focus = true;
+    try {
+        disable_system_dpi_layout(window_);
+        default_focus = on_initialise();
+    } catch (...) {
+        fail(std::current_exception());
+    }
+    // A modeless window is destroyed by the call that creates it.
+    if (error_ && modal_)
+        end(0);
+    stage_ = stage::running;
+    return default_focus ? TRUE : FALSE;
+}
+
+INT_PTR dialog::handle(UINT message, WPARAM wparam, LPARAM lparam) noexcept
 {
     if (message == WM_INITDIALOG)
-        return on_initialise() ? TRUE : FALSE;
-    if (message == WM_COMMAND)
-        return on_command(wparam, lparam) ? finish(0) : FALSE;
-    if (command_message_ != 0 && message == command_message_)
-        return on_command(wparam, lparam) ? finish(1) : FALSE;
-    LRESULT result = 0;
-    if (message == WM_NOTIFY)
-        return on_notify(*reinterpret_cast<const NMHDR*>(lparam), result) ? finish(result) : FALSE;
-    return on_message(message, wparam, lparam, result) ? finish(result) : FALSE;
-}
-
-INT_PTR dialog::finish(LRESULT result) noexcept
-{
+        return initialise();
+    LRESULT result = command_message_ != 0 && message == command_message_ ? 1 : 0;
+    bool handled = true;
+    try {
+        handled = dispatch(message, wparam, lparam, result);
+    } catch (...) {
+        fail(std::current_exception());
+    }
+    if (!handled)
+        return FALSE;
+    if (returns_its_result(message))
+        return result;
+    // The handler may have destroyed the window.
     if (window_)
         ::SetWindowLongPtrW(window_, DWLP_MSGRESULT, result);
     return TRUE;
+}
+
+bool dialog::dispatch(UINT message, WPARAM wparam, LPARAM lparam, LRESULT& result)
+{
+    if (message == WM_COMMAND || (command_message_ != 0 && message == command_message_))
+        return on_command(wparam, lparam);
+    if (message == WM_NOTIFY)
+        return on_notify(*reinterpret_cast<const NMHDR*>(lparam), result);
+    if (on_message(message, wparam, lparam, result))
+        return true;
+    return message == WM_DPICHANGED && change_dpi(LOWORD(wparam), *reinterpret_cast<const RECT*>(lparam));
 }
 
 } // namespace girder::ui

@@ -1,5 +1,9 @@
 #pragma once
 
+#include "ui/control_measure.h"
+#include "ui/dialog_layout.h"
+#include "ui/layout.h"
+
 #include <windows.h>
 
 #include <commctrl.h>
@@ -14,7 +18,7 @@ namespace girder::ui {
 template <typename Dialog>
 struct command_route {
     int control;
-    WORD notification; ///< BN_CLICKED (0, which menus and accelerators also send), CBN_SELCHANGE, ...
+    WORD notification; ///< BN_CLICKED (0, which menus also send), CBN_SELCHANGE, ...
     void (Dialog::*handler)();
 };
 
@@ -31,10 +35,32 @@ bool route_command(Dialog& dialog, std::span<const command_route<Dialog>> routes
     return false;
 }
 
+/// The same for WM_NOTIFY, with the message's result as the handler's.
+template <typename Dialog>
+struct notify_route {
+    int control;
+    UINT notification; ///< LVN_ITEMCHANGED, NM_CLICK, ...
+    LRESULT (Dialog::*handler)(const NMHDR& notification);
+};
+
+template <typename Dialog>
+bool route_notification(Dialog& dialog, std::span<const notify_route<Dialog>> routes, const NMHDR& notification,
+                        LRESULT& result)
+{
+    for (const notify_route<Dialog>& route : routes) {
+        if (static_cast<UINT_PTR>(route.control) == notification.idFrom && route.notification == notification.code) {
+            result = (dialog.*route.handler)(notification);
+            return true;
+        }
+    }
+    return false;
+}
+
 /// A dialog made from a template of the program's resources. Its procedure is the one place where messages enter and
 /// where exceptions are stopped: none leaves it into the system.
 ///
-/// The object outlives its window. One thread.
+/// The object outlives its window, which a handler may destroy, and lives on one thread. A destroyed object takes its
+/// window along without another message to it.
 class dialog {
 public:
     dialog() = default;
@@ -47,21 +73,35 @@ public:
     HWND control(int id) const noexcept { return ::GetDlgItem(window_, id); }
 
 protected:
-    /// Creates the window without showing it, visible or modal state aside.
-    /// \return the window
-    /// \throws whatever on_initialise throws; system_error "CreateDialogParam failed ..." carries the system's code
-    HWND create_modeless(int template_id, HWND owner, const char* failure_text);
+    /// Creates the window without showing it.
+    /// \param failed_call  what the system_error for a window that cannot be created names
+    /// \throws what on_initialise or an earlier handler threw; system_error
+    HWND create_modeless(int template_id, HWND owner, const char* failed_call);
 
     /// Shows the dialog until end() and returns the value given there.
-    /// \throws whatever on_initialise throws, system_error
+    /// \throws what on_initialise, an earlier handler or end_with() gave; system_error
     INT_PTR run_modal(int template_id, HWND owner);
 
     /// Ends run_modal().
     void end(INT_PTR result) noexcept { ::EndDialog(window_, result); }
+    /// Ends run_modal() with an exception.
+    void end_with(std::exception_ptr error) noexcept;
 
     /// A registered message that carries commands like WM_COMMAND; when handled, its message result is 1, where that of
     /// WM_COMMAND is 0.
     void set_command_message(UINT message) noexcept { command_message_ = message; }
+
+    /// Gives the controls the dialog font of a DPI and puts them where layout() says; the dialog becomes as large as
+    /// they need. To be called when their texts are set, and again when texts change. From then on a change of the DPI
+    /// does the same with the new DPI.
+    void lay_out(UINT dpi);
+    /// The DPI that the controls are laid out for.
+    UINT dpi() const noexcept { return layout_.dpi(); }
+
+    /// The arrangement of the controls for their present texts.
+    virtual box layout(const control_measure& measure) const;
+    /// After every lay_out(): what follows from the controls' new sizes.
+    virtual void on_laid_out() {}
 
     /// WM_INITDIALOG. What it throws comes out of the creating call.
     /// \return true to let the system set the focus to the first control
@@ -72,19 +112,28 @@ protected:
     virtual bool on_notify(const NMHDR& notification, LRESULT& result);
     /// Every other message. \return whether it was handled, with its result
     virtual bool on_message(UINT message, WPARAM wparam, LPARAM lparam, LRESULT& result);
-    /// An exception that left a handler, after initialisation. Must not throw.
+    /// An exception that left a handler, after initialisation.
     virtual void on_error(std::exception_ptr error) noexcept = 0;
 
 private:
-    static INT_PTR CALLBACK procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
+    enum class stage : unsigned char { none, creating, running };
 
-    INT_PTR dispatch(UINT message, WPARAM wparam, LPARAM lparam);
-    INT_PTR dispatch_guarded(UINT message, WPARAM wparam, LPARAM lparam) noexcept;
-    INT_PTR finish(LRESULT result) noexcept;
+    static INT_PTR CALLBACK procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) noexcept;
+
+    void begin_creation() noexcept;
+    void rethrow_error();
+    void fail(std::exception_ptr error) noexcept;
+    INT_PTR handle(UINT message, WPARAM wparam, LPARAM lparam) noexcept;
+    INT_PTR initialise() noexcept;
+    bool dispatch(UINT message, WPARAM wparam, LPARAM lparam, LRESULT& result);
+    bool change_dpi(UINT dpi, const RECT& suggested);
 
     HWND window_ = nullptr;
     UINT command_message_ = 0;
-    std::exception_ptr creation_error_;
+    stage stage_ = stage::none;
+    bool modal_ = false;
+    std::exception_ptr error_; ///< for the creating call
+    dialog_layout layout_;
 };
 
 } // namespace girder::ui

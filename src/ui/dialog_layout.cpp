@@ -1,34 +1,46 @@
 #include "ui/dialog_layout.h"
 
 #include "base/win32_error.h"
+#include "ui/dpi.h"
 
 #include <algorithm>
-#include <cwchar>
+#include <iterator>
+#include <utility>
 
 namespace girder::ui {
 namespace {
 
-RECT work_area_of(HWND window) noexcept
+area area_of(const RECT& rectangle) noexcept
+{
+    return {.x = rectangle.left,
+            .y = rectangle.top,
+            .width = rectangle.right - rectangle.left,
+            .height = rectangle.bottom - rectangle.top};
+}
+
+area area_of(HWND window) noexcept
+{
+    RECT rectangle{};
+    ::GetWindowRect(window, &rectangle);
+    return area_of(rectangle);
+}
+
+area work_area(HMONITOR monitor) noexcept
 {
     MONITORINFO info{};
     info.cbSize = sizeof info;
-    ::GetMonitorInfoW(::MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), &info);
-    return info.rcWork;
+    ::GetMonitorInfoW(monitor, &info);
+    return area_of(info.rcWork);
 }
 
-constexpr int width_of(const RECT& rectangle)
+area work_area_of(HWND window) noexcept
 {
-    return rectangle.right - rectangle.left;
-}
-constexpr int height_of(const RECT& rectangle)
-{
-    return rectangle.bottom - rectangle.top;
+    return work_area(::MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST));
 }
 
-/// Moves a stretch of `length` from `start` into [low, high); its start wins when it does not fit.
-int moved_inside(int start, int length, int low, int high)
+void move_window(HWND window, const area& place, UINT flags) noexcept
 {
-    return std::max(low, std::min(start, high - length));
+    ::SetWindowPos(window, nullptr, place.x, place.y, place.width, place.height, flags | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 bool is_drop_down(HWND control)
@@ -61,15 +73,35 @@ void place_controls(HWND dialog, const std::vector<placement>& placements)
     ::InvalidateRect(dialog, nullptr, TRUE);
 }
 
-/// The size of the whole window whose inside has the given size.
-SIZE outer_size(HWND dialog, const extent& inside, UINT dpi)
+DWORD style_of(HWND window) noexcept
 {
-    RECT bounds{.left = 0, .top = 0, .right = inside.width, .bottom = inside.height};
-    const auto style = static_cast<DWORD>(::GetWindowLongPtrW(dialog, GWL_STYLE));
+    return static_cast<DWORD>(::GetWindowLongPtrW(window, GWL_STYLE));
+}
+
+/// What a window's frame and caption add to its inside.
+extent frame_of(HWND dialog, UINT dpi)
+{
+    RECT bounds{};
     const auto extended = static_cast<DWORD>(::GetWindowLongPtrW(dialog, GWL_EXSTYLE));
-    if (!::AdjustWindowRectExForDpi(&bounds, style, FALSE, extended, dpi))
+    if (!::AdjustWindowRectExForDpi(&bounds, style_of(dialog), FALSE, extended, dpi))
         throw_last_error("AdjustWindowRectExForDpi");
-    return {.cx = width_of(bounds), .cy = height_of(bounds)};
+    return {.width = bounds.right - bounds.left, .height = bounds.bottom - bounds.top};
+}
+
+/// The outer size that shows all of `root`, at least `least` and at most the work area.
+extent window_size(const box& root, const extent& frame, const extent& least, const area& work)
+{
+    const extent inside = natural_size(root, std::max(least.width, work.width) - frame.width);
+    return {.width = std::min(std::max(inside.width + frame.width, least.width), work.width),
+            .height = std::min(std::max(inside.height + frame.height, least.height), work.height)};
+}
+
+void place_dialog(HWND dialog, const box& root, const extent& frame, const area& place)
+{
+    move_window(dialog, place, 0);
+    place_controls(
+        dialog,
+        arrange(root, {.x = 0, .y = 0, .width = place.width - frame.width, .height = place.height - frame.height}));
 }
 
 } // namespace
@@ -83,31 +115,53 @@ void set_dialog_font(HWND dialog, HFONT font) noexcept
 
 void lay_out_dialog(HWND dialog, const box& root, UINT dpi)
 {
-    const extent natural = natural_size(root);
-    const SIZE outer = outer_size(dialog, natural, dpi);
-    const RECT work = work_area_of(dialog);
-    RECT now{};
-    ::GetWindowRect(dialog, &now);
-    const int width = std::min<int>(outer.cx, width_of(work));
-    const int height = std::min<int>(outer.cy, height_of(work));
-    ::SetWindowPos(dialog, nullptr, moved_inside(now.left, width, work.left, work.right),
-                   moved_inside(now.top, height, work.top, work.bottom), width, height, SWP_NOZORDER | SWP_NOACTIVATE);
-    place_controls(dialog, arrange(root, {.x = 0, .y = 0, .width = natural.width, .height = natural.height}));
+    const area now = area_of(dialog);
+    const area work = work_area_of(dialog);
+    const extent frame = frame_of(dialog, dpi);
+    const extent size = window_size(root, frame, {}, work);
+    const bool stays_centred = (style_of(dialog) & DS_CENTER) != 0;
+    const area same_corner{.x = now.x, .y = now.y, .width = size.width, .height = size.height};
+    place_dialog(dialog, root, frame, stays_centred ? centred(size, now, work) : moved_inside(same_corner, work));
+}
+
+void lay_out_dialog(HWND dialog, const box& root, UINT dpi, const RECT& suggested)
+{
+    const area asked = area_of(suggested);
+    const area work = work_area(::MonitorFromRect(&suggested, MONITOR_DEFAULTTONEAREST));
+    const extent frame = frame_of(dialog, dpi);
+    const extent size = window_size(root, frame, {.width = asked.width, .height = asked.height}, work);
+    place_dialog(dialog, root, frame,
+                 moved_inside({.x = asked.x, .y = asked.y, .width = size.width, .height = size.height}, work));
 }
 
 void centre_on_owner(HWND dialog, HWND owner) noexcept
 {
-    const RECT work = work_area_of(owner ? owner : dialog);
-    RECT around = work;
-    if (owner && !::IsIconic(owner))
-        ::GetWindowRect(owner, &around);
-    RECT own{};
-    ::GetWindowRect(dialog, &own);
-    const int x = around.left + (width_of(around) - width_of(own)) / 2;
-    const int y = around.top + (height_of(around) - height_of(own)) / 2;
-    ::SetWindowPos(dialog, nullptr, moved_inside(x, width_of(own), work.left, work.right),
-                   moved_inside(y, height_of(own), work.top, work.bottom), 0, 0,
-                   SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    const area work = work_area_of(owner ? owner : dialog);
+    const area around = owner && !::IsIconic(owner) ? area_of(owner) : work;
+    const area now = area_of(dialog);
+    move_window(dialog, centred({.width = now.width, .height = now.height}, around, work), SWP_NOSIZE);
+}
+
+control_measure dialog_layout::use_dpi(HWND dialog, UINT dpi)
+{
+    unique_font font = create_dialog_font(dpi);
+    set_dialog_font(dialog, font.get());
+    // The controls have let go of the previous font.
+    font_ = std::move(font);
+    dpi_ = dpi;
+    return {dialog, font_.get(), dpi};
+}
+
+void dialog_layout::apply(HWND dialog, UINT dpi, const description& describe)
+{
+    const control_measure measure = use_dpi(dialog, dpi);
+    lay_out_dialog(dialog, describe(measure), dpi);
+}
+
+void dialog_layout::apply(HWND dialog, UINT dpi, const RECT& suggested, const description& describe)
+{
+    const control_measure measure = use_dpi(dialog, dpi);
+    lay_out_dialog(dialog, describe(measure), dpi, suggested);
 }
 
 } // namespace girder::ui

@@ -1,8 +1,12 @@
 #pragma once
 
+#include "base/handles.h"
+#include "ui/control_measure.h"
 #include "ui/layout.h"
 
 #include <windows.h>
+
+#include <functional>
 
 namespace girder::ui {
 
@@ -10,13 +14,40 @@ namespace girder::ui {
 void set_dialog_font(HWND dialog, HFONT font) noexcept;
 
 /// Sizes the dialog to the natural size of `root`, never beyond the work area of its monitor, and moves every control
-/// to its place in one step.
+/// to its place in one step. With DS_CENTER in its template the dialog stays centred where it was, else its top left
+/// corner stays.
 /// \param dpi  the DPI that the sizes in `root` are for
 /// \throws system_error
 void lay_out_dialog(HWND dialog, const box& root, UINT dpi);
 
+/// The same at the corner, on the monitor and of at least the size of `suggested`, a window's rectangle in screen
+/// pixels: what WM_DPICHANGED brings along.
+/// \throws system_error
+void lay_out_dialog(HWND dialog, const box& root, UINT dpi, const RECT& suggested);
+
 /// Centres the window on its owner, or on the work area when there is none; always wholly inside the work area when it
 /// fits there.
 void centre_on_owner(HWND dialog, HWND owner) noexcept;
+
+/// Font and arrangement of one dialog at its current DPI. Owns the font that the controls use, so it outlives them.
+class dialog_layout {
+public:
+    /// Describes the arrangement from the controls' present texts; the box may refer to the measure.
+    using description = std::function<box(const control_measure&)>;
+
+    /// Sets the dialog font for the DPI, measures the controls in it, and lays them out.
+    /// \throws system_error
+    void apply(HWND dialog, UINT dpi, const description& describe);
+    void apply(HWND dialog, UINT dpi, const RECT& suggested, const description& describe);
+
+    /// 0 before the first apply().
+    UINT dpi() const noexcept { return dpi_; }
+
+private:
+    control_measure use_dpi(HWND dialog, UINT dpi);
+
+    unique_font font_;
+    UINT dpi_ = 0;
+};
 
 } // namespace girder::ui

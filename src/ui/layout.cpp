@@ -1,102 +1,208 @@
 #include "ui/layout.h"
 
 #include <algorithm>
+#include <numeric>
 #include <utility>
 
 namespace girder::ui {
 namespace {
 
-int spacing_of(const box& parent)
-{
-    const auto gaps = std::max<std::size_t>(parent.children.size(), 1) - 1;
-    return parent.spacing * static_cast<int>(gaps);
-}
+/// What a box asks for along one axis.
+struct demand {
+    int least = 0;
+    int natural = 0;
+    bool grows = false;
+};
 
-/// Natural sizes of a box's children, with equal widths where the box asks for them.
-std::vector<extent> children_sizes(const box& parent)
-{
-    std::vector<extent> sizes;
-    sizes.reserve(parent.children.size());
-    int widest = 0;
-    for (const box& child : parent.children) {
-        sizes.push_back(natural_size(child));
-        widest = std::max(widest, sizes.back().width);
-    }
-    if (parent.equal_widths)
-        for (extent& size : sizes)
-            size.width = widest;
-    return sizes;
-}
-
-/// Divides what is left over among the growing children, earlier ones getting the odd pixels.
-class surplus {
+/// Takes parts of an amount in proportion to weights, so that all parts together are the whole amount.
+class apportioned {
 public:
-    surplus(int left_over, std::ptrdiff_t growing)
-        : left_over_(std::max(left_over, 0)), growing_(static_cast<int>(growing))
-    {}
+    apportioned(int amount, long long total_weight) : amount_(amount), total_(std::max(total_weight, 1LL)) {}
 
-    int next_share()
+    int next(int weight)
     {
-        const int share = (left_over_ + growing_ - 1) / growing_;
-        left_over_ -= share;
-        --growing_;
-        return share;
+        seen_ += weight;
+        const auto due = static_cast<int>(amount_ * seen_ / total_);
+        return due - std::exchange(given_, due);
     }
 
 private:
-    int left_over_;
-    int growing_;
+    long long amount_;
+    long long total_;
+    long long seen_ = 0;
+    int given_ = 0;
 };
 
-void place(const box& node, const area& available, std::vector<placement>& out);
-
-void place_row(const box& node, const area& inner, std::vector<placement>& out)
+/// Divides `room` among neighbours: what is left over goes to those that grow, what is missing comes from those that
+/// may become smaller.
+std::vector<int> divided(const std::vector<demand>& demands, int room)
 {
-    const std::vector<extent> sizes = children_sizes(node);
-    int used = spacing_of(node);
-    for (const extent& size : sizes)
-        used += size.width;
-    surplus extra(inner.width - used, std::ranges::count(node.children, true, &box::grows_wide));
-    int x = inner.x;
-    for (std::size_t i = 0; i < sizes.size(); ++i) {
-        const box& child = node.children[i];
-        const int width = sizes[i].width + (child.grows_wide ? extra.next_share() : 0);
-        const int height = child.grows_high ? inner.height : sizes[i].height;
-        place(child, {.x = x, .y = inner.y + (inner.height - height) / 2, .width = width, .height = height}, out);
-        x += width + node.spacing;
-    }
+    const auto sum = [&](auto value) {
+        return std::accumulate(demands.begin(), demands.end(), 0,
+                               [&](int total, const demand& each) { return total + value(each); });
+    };
+    const auto slack_of = [](const demand& each) { return each.natural - each.least; };
+    const auto growth_of = [](const demand& each) { return each.grows ? 1 : 0; };
+
+    const int spare = room - sum([](const demand& each) { return each.natural; });
+    const int slack = sum(slack_of);
+    const int growing = sum(growth_of);
+    apportioned extra(growing > 0 ? std::max(spare, 0) : 0, growing);
+    apportioned lack(std::min(std::max(-spare, 0), slack), slack);
+    std::vector<int> sizes;
+    sizes.reserve(demands.size());
+    for (const demand& each : demands)
+        sizes.push_back(each.natural + extra.next(growth_of(each)) - lack.next(slack_of(each)));
+    return sizes;
 }
 
-void place_column(const box& node, const area& inner, std::vector<placement>& out)
-{
-    const std::vector<extent> sizes = children_sizes(node);
-    int used = spacing_of(node);
-    for (const extent& size : sizes)
-        used += size.height;
-    surplus extra(inner.height - used, std::ranges::count(node.children, true, &box::grows_high));
-    int y = inner.y;
-    for (std::size_t i = 0; i < sizes.size(); ++i) {
-        const box& child = node.children[i];
-        const int height = sizes[i].height + (child.grows_high ? extra.next_share() : 0);
-        const bool whole_width = child.grows_wide || child.kind != box::arrangement::control;
-        const int width = whole_width ? inner.width : std::min(sizes[i].width, inner.width);
-        place(child, {.x = inner.x, .y = y, .width = width, .height = height}, out);
-        y += height + node.spacing;
+/// A box on its way to its place. Widths come first, because the heights of wrapped texts follow from them.
+class fitted {
+public:
+    explicit fitted(const box& node) : node_(node), children_(node.children.begin(), node.children.end())
+    {
+        if (node.equal_widths)
+            equalise();
+        width_ = is(box::arrangement::row) ? along(&fitted::width_) : across(&fitted::width_);
+        if (is(box::arrangement::control))
+            width_ = {.least = std::min(node.least.width, node.natural.width), .natural = node.natural.width};
+        else
+            pad(width_, node.padding.left + node.padding.right, node.natural.width);
+        width_.grows = node.grows_wide;
     }
-}
 
-void place(const box& node, const area& available, std::vector<placement>& out)
+    const demand& width() const { return width_; }
+    const demand& height() const { return height_; }
+
+    /// Settles every width in the tree, and with it what heights are asked for.
+    void set_width(int width)
+    {
+        final_width_ = width;
+        const int inner = width - node_.padding.left - node_.padding.right;
+        const std::vector<int> in_row =
+            is(box::arrangement::row) ? divided(demands(&fitted::width_), inner - gaps()) : std::vector<int>{};
+        for (std::size_t i = 0; i < children_.size(); ++i)
+            children_[i].set_width(in_row.empty() ? children_[i].width_in_column(inner) : in_row[i]);
+        height_ = is(box::arrangement::column) ? along(&fitted::height_) : across(&fitted::height_);
+        if (is(box::arrangement::control))
+            height_ = control_height();
+        else
+            pad(height_, node_.padding.top + node_.padding.bottom, 0);
+        height_.grows = node_.grows_high;
+    }
+
+    void place(int x, int y, int height, std::vector<placement>& out) const
+    {
+        if (node_.control != 0)
+            out.push_back(
+                {.control = node_.control, .place = {.x = x, .y = y, .width = final_width_, .height = height}});
+        const int left = x + node_.padding.left;
+        const int top = y + node_.padding.top;
+        const int inner = height - node_.padding.top - node_.padding.bottom;
+        if (is(box::arrangement::row))
+            place_row(left, top, inner, out);
+        else
+            place_column(left, top, inner, out);
+    }
+
+private:
+    bool is(box::arrangement kind) const { return node_.kind == kind; }
+
+    int gaps() const
+    {
+        const auto count = std::max<std::size_t>(children_.size(), 1) - 1;
+        return node_.spacing * static_cast<int>(count);
+    }
+
+    static void pad(demand& inner, int padding, int at_least)
+    {
+        inner.least = std::max(inner.least + padding, at_least);
+        inner.natural = std::max(inner.natural + padding, at_least);
+    }
+
+    void equalise()
+    {
+        demand widest;
+        for (const fitted& child : children_)
+            widest = {.least = std::max(widest.least, child.width_.least),
+                      .natural = std::max(widest.natural, child.width_.natural)};
+        for (fitted& child : children_)
+            child.width_ = {.least = widest.least, .natural = widest.natural, .grows = child.width_.grows};
+    }
+
+    demand along(demand fitted::* axis) const
+    {
+        demand total{.least = gaps(), .natural = gaps()};
+        for (const fitted& child : children_) {
+            total.least += (child.*axis).least;
+            total.natural += (child.*axis).natural;
+        }
+        return total;
+    }
+
+    demand across(demand fitted::* axis) const
+    {
+        demand most;
+        for (const fitted& child : children_) {
+            most.least = std::max(most.least, (child.*axis).least);
+            most.natural = std::max(most.natural, (child.*axis).natural);
+        }
+        return most;
+    }
+
+    std::vector<demand> demands(demand fitted::* axis) const
+    {
+        std::vector<demand> all;
+        all.reserve(children_.size());
+        for (const fitted& child : children_)
+            all.push_back(child.*axis);
+        return all;
+    }
+
+    int width_in_column(int inner) const
+    {
+        const bool whole = node_.grows_wide || !is(box::arrangement::control);
+        return whole ? inner : std::min(width_.natural, inner);
+    }
+
+    demand control_height() const
+    {
+        if (!node_.height_at)
+            return {.least = std::min(node_.least.height, node_.natural.height), .natural = node_.natural.height};
+        const int natural = node_.height_at(final_width_);
+        return {.least = node_.least.height > 0 ? std::min(node_.least.height, natural) : natural, .natural = natural};
+    }
+
+    void place_row(int x, int top, int inner, std::vector<placement>& out) const
+    {
+        for (const fitted& child : children_) {
+            const int height = child.height_.grows ? inner : std::min(child.height_.natural, inner);
+            const int y = child.node_.stays_at_top ? top : top + (inner - height) / 2;
+            child.place(x, y, height, out);
+            x += child.final_width_ + node_.spacing;
+        }
+    }
+
+    void place_column(int left, int y, int inner, std::vector<placement>& out) const
+    {
+        const std::vector<int> heights = divided(demands(&fitted::height_), inner - gaps());
+        for (std::size_t i = 0; i < children_.size(); ++i) {
+            children_[i].place(left, y, heights[i], out);
+            y += heights[i] + node_.spacing;
+        }
+    }
+
+    const box& node_;
+    std::vector<fitted> children_;
+    demand width_;
+    demand height_;
+    int final_width_ = 0;
+};
+
+/// Where a stretch of `length` from `start` goes to lie in [low, low + room); its start wins when it is longer.
+int pushed_inside(int start, int length, int low, int room)
 {
-    if (node.control != 0)
-        out.push_back({.control = node.control, .place = available});
-    const area inner{.x = available.x + node.padding.left,
-                     .y = available.y + node.padding.top,
-                     .width = available.width - node.padding.left - node.padding.right,
-                     .height = available.height - node.padding.top - node.padding.bottom};
-    if (node.kind == box::arrangement::row)
-        place_row(node, inner, out);
-    else if (node.kind == box::arrangement::column)
-        place_column(node, inner, out);
+    return std::max(low, std::min(start, low + room - length));
 }
 
 } // namespace
@@ -106,14 +212,20 @@ box control_box(int control, extent natural)
     box made;
     made.control = control;
     made.natural = natural;
+    made.least = natural;
+    return made;
+}
+
+box wrapped_box(int control, int natural_width, std::function<int(int width)> height_at)
+{
+    box made = control_box(control, {.width = natural_width, .height = 0});
+    made.height_at = std::move(height_at);
     return made;
 }
 
 box filler(int least_width)
 {
-    box made = control_box(0, {.width = least_width, .height = 0});
-    made.grows_wide = true;
-    return made;
+    return growing_wide(control_box(0, {.width = least_width, .height = 0}));
 }
 
 box row(std::vector<box> children, int spacing)
@@ -145,6 +257,18 @@ box growing_both(box inner)
     return inner;
 }
 
+box at_top(box inner)
+{
+    inner.stays_at_top = true;
+    return inner;
+}
+
+box shrinking_to(extent least, box control)
+{
+    control.least = least;
+    return control;
+}
+
 box padded(box inner, margins padding)
 {
     box made = column({growing_both(std::move(inner))}, 0);
@@ -166,31 +290,38 @@ box with_equal_widths(box inner)
     return inner;
 }
 
-extent natural_size(const box& root)
+extent natural_size(const box& root, int widest)
 {
-    extent total = root.kind == box::arrangement::control ? root.natural : extent{};
-    const bool is_row = root.kind == box::arrangement::row;
-    for (const extent& size : children_sizes(root)) {
-        total.width = is_row ? total.width + size.width : std::max(total.width, size.width);
-        total.height = is_row ? std::max(total.height, size.height) : total.height + size.height;
-    }
-    (is_row ? total.width : total.height) += spacing_of(root);
-    total.width = std::max(total.width + root.padding.left + root.padding.right, root.natural.width);
-    total.height += root.padding.top + root.padding.bottom;
-    return total;
+    fitted tree(root);
+    const int width = std::max(tree.width().least, std::min(tree.width().natural, widest));
+    tree.set_width(width);
+    return {.width = width, .height = tree.height().natural};
 }
 
 std::vector<placement> arrange(const box& root, const area& available)
 {
-    const extent least = natural_size(root);
+    fitted tree(root);
+    tree.set_width(std::max(available.width, tree.width().least));
     std::vector<placement> out;
-    place(root,
-          {.x = available.x,
-           .y = available.y,
-           .width = std::max(available.width, least.width),
-           .height = std::max(available.height, least.height)},
-          out);
+    tree.place(available.x, available.y, std::max(available.height, tree.height().least), out);
     return out;
+}
+
+area centred(extent size, const area& around, const area& bounds)
+{
+    return moved_inside({.x = around.x + (around.width - size.width) / 2,
+                         .y = around.y + (around.height - size.height) / 2,
+                         .width = size.width,
+                         .height = size.height},
+                        bounds);
+}
+
+area moved_inside(const area& place, const area& bounds)
+{
+    return {.x = pushed_inside(place.x, place.width, bounds.x, bounds.width),
+            .y = pushed_inside(place.y, place.height, bounds.y, bounds.height),
+            .width = place.width,
+            .height = place.height};
 }
 
 } // namespace girder::ui

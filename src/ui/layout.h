@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+#include <limits>
 #include <vector>
 
 namespace girder::ui {
@@ -34,18 +36,23 @@ struct box {
     enum class arrangement : unsigned char { control, row, column };
 
     arrangement kind = arrangement::control;
-    int control = 0;         ///< the control placed over the whole box, padding included; 0 for none
-    extent natural;          ///< of a control: the least size that shows its content whole
-    bool grows_wide = false; ///< takes a share of the width that is left over
+    int control = 0;                         ///< the control placed over the whole box, padding included; 0 for none
+    extent natural;                          ///< of a control: the size it is given where there is room
+    extent least;                            ///< of a control: the size it is not made smaller than
+    std::function<int(int width)> height_at; ///< of a control whose height follows from its width, as wrapped text's
+    bool grows_wide = false;                 ///< takes a share of the width that is left over
     bool grows_high = false;
-    int spacing = 0; ///< between children
+    bool stays_at_top = false; ///< in a row that is higher: at its top instead of its middle
+    int spacing = 0;           ///< between children
     margins padding;
     bool equal_widths = false; ///< of a row: every child is as wide as the widest
     std::vector<box> children;
 };
 
-/// A control of its natural size.
+/// A control of its natural size, which it keeps.
 box control_box(int control, extent natural);
+/// A control as wide as `natural_width` and as high as `height_at` says for the width that it gets.
+box wrapped_box(int control, int natural_width, std::function<int(int width)> height_at);
 /// Empty space of at least this size, which takes the width that is left over in a row.
 box filler(int least_width = 0);
 /// Children from left to right, each centred in the row's height unless it grows high.
@@ -56,6 +63,10 @@ box column(std::vector<box> children, int spacing);
 
 box growing_wide(box inner);
 box growing_both(box inner);
+/// Puts a child of a row at the row's top instead of its middle.
+box at_top(box inner);
+/// A control that gives way down to `least` where the room does not suffice for its natural size.
+box shrinking_to(extent least, box control);
 box padded(box inner, margins padding);
 /// A frame control, such as a group box, around `inner`.
 box framed(int control, box inner, margins padding, int least_width);
@@ -69,11 +80,19 @@ struct placement {
     bool operator==(const placement&) const = default;
 };
 
-/// The least size in which nothing is clipped and nothing overlaps.
-extent natural_size(const box& root);
+/// The size in which every control has its natural size, nothing is clipped and nothing overlaps.
+/// \param widest  limits the width; what gives way or wraps does so, the rest keeps its least width all the same
+extent natural_size(const box& root, int widest = std::numeric_limits<int>::max());
 
-/// Places every control of the tree within `available`. Where that is smaller than natural_size(), the tree keeps its
-/// natural size and reaches beyond.
+/// Places every control of the tree within `available`, parents before children. Room beyond the natural size goes to
+/// the boxes that grow; a lack of room is shared by the controls that shrink. Where even their least sizes do not fit,
+/// the tree keeps these and reaches beyond.
 std::vector<placement> arrange(const box& root, const area& available);
+
+/// A window of this size centred over `around`, then moved by as little as puts it inside `bounds`; its top left corner
+/// is inside in any case.
+area centred(extent size, const area& around, const area& bounds);
+/// The same for a window that is at `place`.
+area moved_inside(const area& place, const area& bounds);
 
 } // namespace girder::ui

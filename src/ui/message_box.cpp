@@ -1,19 +1,21 @@
 #include "ui/message_box.h"
 
 #include "base/system_library.h"
+#include "base/unique_handle.h"
+#include "base/wide.h"
 #include "ui/clipboard.h"
-#include "ui/control_measure.h"
 #include "ui/controls.h"
 #include "ui/dialog.h"
-#include "ui/dialog_layout.h"
 #include "ui/message_box_ids.h"
 
 #include <commctrl.h>
 #include <shellapi.h>
+#include <shlobj.h>
 
 #include <algorithm>
 #include <iterator>
 #include <string>
+#include <utility>
 
 namespace girder::ui {
 namespace {
@@ -47,14 +49,23 @@ const icon_kind* kind_of(message_icon icon) noexcept
     return found == std::end(icon_kinds) ? nullptr : found;
 }
 
-/// The shell's own icon; empty where it has none to give.
-unique_icon load_stock_icon(SHSTOCKICONID id)
+/// The shell's own icon of `side` pixels; empty where the shell has none to give.
+unique_icon load_stock_icon(SHSTOCKICONID id, int side)
 {
     const system_library shell(u"shell32.dll");
+    const auto get_info = shell.function<decltype(::SHGetStockIconInfo)>("SHGetStockIconInfo");
     SHSTOCKICONINFO info{};
     info.cbSize = sizeof info;
-    const auto get_info = shell.function<decltype(::SHGetStockIconInfo)>("SHGetStockIconInfo");
-    return SUCCEEDED(get_info(id, SHGSI_ICON | SHGSI_LARGEICON, &info)) ? unique_icon{info.hIcon} : unique_icon{};
+    if (FAILED(get_info(id, SHGSI_ICON | SHGSI_LARGEICON, &info)))
+        return {};
+    unique_icon system_sized{info.hIcon};
+    if (!system_sized || side == ::GetSystemMetrics(SM_CXICON))
+        return system_sized;
+    const auto extract = shell.function<decltype(::SHDefExtractIconW)>("SHDefExtractIconW");
+    unique_icon exact;
+    if (extract(info.szPath, info.iIcon, 0, exact.put(), nullptr, static_cast<UINT>(side)) != S_OK)
+        return system_sized;
+    return exact;
 }
 
 std::u16string without_mnemonic(std::u16string_view text)
@@ -68,31 +79,54 @@ std::u16string without_mnemonic(std::u16string_view text)
     return plain;
 }
 
+/// What the box puts on the clipboard, in the manner of the system's own message box.
+std::u16string as_plain_text(const message_request& request)
+{
+    constexpr std::u16string_view line = u"---------------------------\r\n";
+    std::u16string captions;
+    for (const message_button& button : request.buttons)
+        captions.append(without_mnemonic(button.text)).append(u"   ");
+    std::u16string plain(line);
+    for (const std::u16string_view part : {request.title, request.text, std::u16string_view(captions)})
+        plain.append(part).append(u"\r\n").append(line);
+    return plain;
+}
+
+/// Makes Ctrl+C of a button or check box a WM_COPY to its dialog.
+LRESULT CALLBACK copy_key_filter(HWND child, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR id,
+                                 DWORD_PTR) noexcept
+{
+    if (message == WM_KEYDOWN && wparam == 'C' && ::GetKeyState(VK_CONTROL) < 0)
+        ::SendMessageW(::GetParent(child), WM_COPY, 0, 0);
+    if (message == WM_NCDESTROY)
+        ::RemoveWindowSubclass(child, copy_key_filter, id);
+    return ::DefSubclassProc(child, message, wparam, lparam);
+}
+
 class message_dialog : public dialog {
 public:
-    explicit message_dialog(const message_request& request) : request_(request), kind_(kind_of(request.icon)) {}
+    message_dialog(HWND owner, const message_request& request)
+        : owner_(owner), request_(request), kind_(kind_of(request.icon))
+    {}
 
-    message_answer show(HWND owner)
+    message_answer show()
     {
-        owner_ = owner;
-        const auto button = static_cast<int>(run_modal(IDD_MESSAGE_BOX, owner));
-        if (error_)
-            std::rethrow_exception(error_);
+        const auto button = static_cast<int>(run_modal(IDD_MESSAGE_BOX, owner_));
         return {.button = button, .checked = checked_};
     }
 
 protected:
     bool on_initialise() override
     {
-        disable_system_dpi_layout(window());
         set_window_text(window(), request_.title);
         set_window_text(control(IDC_MESSAGE_TEXT), request_.text);
-        set_up_icon();
         set_up_check_box();
         set_up_buttons();
+        if (!kind_)
+            ::DestroyWindow(control(IDC_MESSAGE_ICON));
         if (escape_button() == 0)
             ::EnableMenuItem(::GetSystemMenu(window(), FALSE), SC_CLOSE, MF_BYCOMMAND | MF_GRAYED);
-        arrange_for(::GetDpiForWindow(owner_ ? owner_ : window()));
+        lay_out(::GetDpiForWindow(owner_ ? owner_ : window()));
         centre_on_owner(window(), owner_);
         ::MessageBeep(kind_ ? kind_->sound : MB_OK);
         return false;
@@ -102,9 +136,7 @@ protected:
     {
         if (HIWORD(command) != BN_CLICKED)
             return false;
-        int id = LOWORD(command);
-        if (id == IDCANCEL)
-            id = escape_button();
+        const int id = LOWORD(command) == IDCANCEL ? escape_button() : LOWORD(command);
         if (!has_button(id))
             return false;
         checked_ = is_checked_button(control(IDC_MESSAGE_DO_NOT_SHOW));
@@ -112,21 +144,47 @@ protected:
         return true;
     }
 
-    bool on_message(UINT message, WPARAM wparam, LPARAM lparam, LRESULT&) override
+    bool on_message(UINT message, WPARAM, LPARAM, LRESULT&) override
     {
-        if (message != WM_DPICHANGED)
+        if (message != WM_COPY)
             return false;
-        const RECT& suggested = *reinterpret_cast<const RECT*>(lparam);
-        ::SetWindowPos(window(), nullptr, suggested.left, suggested.top, 0, 0,
-                       SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-        arrange_for(LOWORD(wparam));
+        copy_to_clipboard(window(), as_plain_text(request_));
         return true;
     }
 
-    void on_error(std::exception_ptr error) noexcept override
+    void on_error(std::exception_ptr error) noexcept override { end_with(std::move(error)); }
+
+    box layout(const control_measure& measure) const override
     {
-        error_ = std::move(error);
-        end(0);
+        const int gap = measure.units().vertical(7);
+        const int margin = measure.units().horizontal(7);
+        std::vector<box> message{growing_wide(text_box(measure))};
+        if (!request_.check_box_text.empty())
+            message.push_back(measure.mark_button(IDC_MESSAGE_DO_NOT_SHOW));
+        std::vector<box> upper;
+        if (kind_)
+            upper.push_back(at_top(control_box(
+                IDC_MESSAGE_ICON, {.width = icon_side(measure.dpi()), .height = icon_side(measure.dpi())})));
+        upper.push_back(growing_wide(column(std::move(message), gap)));
+
+        std::vector<box> buttons;
+        for (const message_button& button : request_.buttons)
+            buttons.push_back(measure.push_button(button.id));
+        box lower = row({filler(), with_equal_widths(row(std::move(buttons), measure.units().horizontal(4)))}, 0);
+        return padded(column({row(std::move(upper), margin), filler(title_width(measure)), std::move(lower)}, gap),
+                      {.left = margin, .top = margin, .right = margin, .bottom = margin});
+    }
+
+    void on_laid_out() override
+    {
+        if (!kind_)
+            return;
+        const int side = icon_side(dpi());
+        unique_icon icon = load_stock_icon(kind_->stock, side);
+        const HANDLE shown =
+            icon ? icon.get() : ::LoadImageW(nullptr, kind_->fallback, IMAGE_ICON, side, side, LR_SHARED);
+        ::SendMessageW(control(IDC_MESSAGE_ICON), STM_SETICON, reinterpret_cast<WPARAM>(shown), 0);
+        icon_ = std::move(icon);
     }
 
 private:
@@ -137,18 +195,7 @@ private:
     {
         if (has_button(IDCANCEL))
             return IDCANCEL;
-        return request_.buttons.size() == 1 ? request_.buttons.front().id : 0;
-    }
-
-    void set_up_icon()
-    {
-        if (!kind_) {
-            ::DestroyWindow(control(IDC_MESSAGE_ICON));
-            return;
-        }
-        icon_ = load_stock_icon(kind_->stock);
-        const HICON shown = icon_ ? icon_.get() : ::LoadIconW(nullptr, kind_->fallback);
-        ::SendMessageW(control(IDC_MESSAGE_ICON), STM_SETICON, reinterpret_cast<WPARAM>(shown), 0);
+        return request_.buttons.size() == 1 ? request_.buttons.front().id : request_.escape_button;
     }
 
     void set_up_check_box()
@@ -159,7 +206,7 @@ private:
             return;
         }
         set_window_text(check_box, request_.check_box_text);
-        watch_for_copy(check_box);
+        ::SetWindowSubclass(check_box, copy_key_filter, 0, 0);
     }
 
     void set_up_buttons()
@@ -172,84 +219,51 @@ private:
             set_window_text(button, each.text);
             // The tab order follows the order on the screen.
             ::SetWindowPos(button, HWND_BOTTOM, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
-            watch_for_copy(button);
+            ::SetWindowSubclass(button, copy_key_filter, 0, 0);
         }
         const int chosen = request_.default_button != 0 ? request_.default_button : request_.buttons.front().id;
         ::SendMessageW(window(), DM_SETDEFID, static_cast<WPARAM>(chosen), 0);
         ::SendMessageW(window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(control(chosen)), TRUE);
     }
 
-    void watch_for_copy(HWND child) { ::SetWindowSubclass(child, key_filter, 0, reinterpret_cast<DWORD_PTR>(this)); }
+    static int icon_side(UINT dpi) noexcept { return ::GetSystemMetricsForDpi(SM_CXICON, dpi); }
 
-    static LRESULT CALLBACK key_filter(HWND child, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR, DWORD_PTR self)
+    /// The narrowest of a few widths in which the text takes no more than half of the screen's height. A text that is
+    /// still too long for the screen is cut at its end rather than push the buttons off the screen.
+    box text_box(const control_measure& measure) const
     {
-        const bool copies = message == WM_KEYDOWN && wparam == 'C' && ::GetKeyState(VK_CONTROL) < 0;
-        if (copies || message == WM_COPY)
-            reinterpret_cast<const message_dialog*>(self)->copy_text();
-        return ::DefSubclassProc(child, message, wparam, lparam);
+        constexpr int widths[] = {220, 300, 380, 460};
+        const int highest = ::GetSystemMetrics(SM_CYSCREEN) / 2;
+        const auto fits = [&](int units) {
+            return measure.text().wrapped(request_.text, measure.units().horizontal(units)).height <= highest;
+        };
+        const auto* const chosen = std::find_if(std::begin(widths), std::prev(std::end(widths)), fits);
+        box text = measure.wrapped_text(IDC_MESSAGE_TEXT, measure.units().horizontal(*chosen));
+        const extent least{.width = text.natural.width, .height = measure.units().vertical(8)};
+        return shrinking_to(least, std::move(text));
     }
 
-    void copy_text() const noexcept
+    /// Room for the title and the close box, within reason.
+    int title_width(const control_measure& measure) const
     {
-        constexpr std::u16string_view line = u"---------------------------\r\n";
-        std::u16string copied(line);
-        const auto append_line = [&](std::u16string_view text) { copied.append(text).append(u"\r\n").append(line); };
-        append_line(request_.title);
-        append_line(request_.text);
-        std::u16string captions;
-        for (const message_button& button : request_.buttons)
-            captions.append(without_mnemonic(button.text)).append(u"   ");
-        append_line(captions);
-        copy_to_clipboard(window(), copied);
+        constexpr int longest = 220;
+        const int title = measure.text().line(request_.title).width * 5 / 4;
+        return std::min(title + 2 * ::GetSystemMetricsForDpi(SM_CXSIZE, measure.dpi()),
+                        measure.units().horizontal(longest));
     }
 
-    void arrange_for(UINT dpi)
-    {
-        // The controls let go of the previous font before it is deleted.
-        unique_font font = create_dialog_font(dpi);
-        set_dialog_font(window(), font.get());
-        font_ = std::move(font);
-        lay_out_dialog(window(), layout(control_measure(window(), font_.get(), dpi)), dpi);
-    }
-
-    box layout(const control_measure& measure) const
-    {
-        constexpr int widest_text = 260;
-        const int margin = measure.units().horizontal(7);
-        const int gap = measure.units().vertical(7);
-        const extent text_size = measure.text().wrapped(request_.text, measure.units().horizontal(widest_text));
-        std::vector<box> message{growing_wide(control_box(IDC_MESSAGE_TEXT, text_size))};
-        if (!request_.check_box_text.empty())
-            message.push_back(measure.mark_button(IDC_MESSAGE_DO_NOT_SHOW));
-        std::vector<box> upper;
-        if (kind_) {
-            const int side = ::GetSystemMetricsForDpi(SM_CXICON, measure.units().dpi());
-            upper.push_back(control_box(IDC_MESSAGE_ICON, {.width = side, .height = side}));
-        }
-        upper.push_back(growing_wide(column(std::move(message), gap)));
-
-        std::vector<box> buttons;
-        for (const message_button& button : request_.buttons)
-            buttons.push_back(measure.push_button(button.id));
-        box lower = row({filler(), with_equal_widths(row(std::move(buttons), measure.units().horizontal(4)))}, 0);
-        return padded(column({row(std::move(upper), margin), std::move(lower)}, 2 * gap),
-                      {.left = margin, .top = margin, .right = margin, .bottom = margin});
-    }
-
+    HWND owner_;
     const message_request& request_;
     const icon_kind* kind_;
-    HWND owner_ = nullptr;
     unique_icon icon_;
-    unique_font font_;
     bool checked_ = false;
-    std::exception_ptr error_;
 };
 
 } // namespace
 
 message_answer show_message_box(HWND owner, const message_request& request)
 {
-    return message_dialog(request).show(owner);
+    return message_dialog(owner, request).show();
 }
 
 } // namespace girder::ui

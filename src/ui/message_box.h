@@ -14,7 +14,7 @@ enum class message_icon : std::uint8_t { none, information, question, warning, e
 /// text.
 struct message_button {
     int id = IDOK;
-    std::u16string_view text;
+    std::u16string_view text; ///< with its mnemonic, e.g. u"&Yes"
 };
 
 /// What a message box shows. The views need to live for the call only.
@@ -22,8 +22,9 @@ struct message_request {
     std::u16string_view title;
     std::u16string_view text;                ///< plain; line feeds start new lines
     message_icon icon = message_icon::none;  ///< decides the system sound too
-    std::span<const message_button> buttons; ///< at least one, from left to right
-    int default_button = 0;                  ///< 0: the first
+    std::span<const message_button> buttons; ///< at least one, none twice, from left to right
+    int default_button = 0;                  ///< has the focus at first; 0: the first
+    int escape_button = 0;                   ///< what Esc and the close box press where there is no Cancel
     std::u16string_view check_box_text = {}; ///< empty: no check box
 };
 
@@ -33,8 +34,9 @@ struct message_answer {
 };
 
 /// Shows the program's message box, dialog template 149, until a button is pressed. Esc and the close box press Cancel,
-/// or the only button; without either they do nothing. Ctrl+C copies the whole message as text.
-/// \param owner  disabled meanwhile; the box is centred on it. May be null
+/// else the escape button, else the only button; without any of these they do nothing. Ctrl+C copies the whole message
+/// as text.
+/// \param owner  disabled meanwhile; the box is centred on it and has its DPI. May be null
 /// \throws system_error
 message_answer show_message_box(HWND owner, const message_request& request);
 

@@ -28,12 +28,11 @@ extent text_measure::label(std::u16string_view text) const
 
 extent text_measure::wrapped(std::u16string_view text, int width) const
 {
-    return draw_extent(text, width, DT_WORDBREAK | DT_NOPREFIX);
+    return draw_extent(text, width, DT_WORDBREAK | DT_EDITCONTROL | DT_NOPREFIX | DT_EXPANDTABS);
 }
 
 extent text_measure::draw_extent(std::u16string_view text, int width, UINT flags) const
 {
-    // A single word wider than the width makes the rectangle wider, so that its text is never cut.
     RECT bounds{.left = 0, .top = 0, .right = width, .bottom = 0};
     const std::u16string_view shown = text.empty() ? u" " : text;
     ::DrawTextW(screen_, as_wide(shown.data()), static_cast<int>(shown.size()), &bounds, DT_CALCRECT | flags);

@@ -22,7 +22,8 @@ public:
     /// A control's text: line ends kept, the ampersand before a mnemonic not counted.
     extent label(std::u16string_view text) const;
 
-    /// Text broken at word ends to a width of at most `width`; ampersands counted.
+    /// Text broken to a width of at most `width`, at word ends and inside longer words; ampersands counted. As a static
+    /// control with SS_NOPREFIX and SS_EDITCONTROL draws it.
     extent wrapped(std::u16string_view text, int width) const;
 
 private:

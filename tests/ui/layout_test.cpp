@@ -1,0 +1,264 @@
+#include "support/cases.h"
+#include "ui/layout.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <ostream>
+#include <random>
+
+namespace girder::ui {
+
+void PrintTo(const placement& value, std::ostream* out)
+{
+    const auto& [x, y, width, height] = value.place;
+    *out << value.control << " at " << x << ',' << y << ' ' << width << 'x' << height;
+}
+
+namespace {
+
+using support::name_of_row;
+using testing::ElementsAreArray;
+
+box wide(int id)
+{
+    return control_box(id, {.width = 60, .height = 20});
+}
+box small(int id)
+{
+    return control_box(id, {.width = 20, .height = 10});
+}
+/// 100 x 40, down to 50 x 10.
+box list(int id)
+{
+    return shrinking_to({.width = 50, .height = 10}, growing_both(control_box(id, {.width = 100, .height = 40})));
+}
+/// An area of 2400 square pixels in full lines of 10.
+box text(int id, int natural_width)
+{
+    return wrapped_box(id, natural_width, [](int width) { return (240 + width - 1) / width * 10; });
+}
+
+struct arrange_case {
+    const char* name;
+    box root;
+    extent natural;
+    extent available;
+    std::vector<placement> expected;
+};
+
+std::ostream& operator<<(std::ostream& out, const arrange_case& row)
+{
+    return out << row.name;
+}
+
+class arrange_test : public testing::TestWithParam<arrange_case> {};
+
+TEST_P(arrange_test, places)
+{
+    const auto& [name, root, natural, available, expected] = GetParam();
+    EXPECT_EQ(natural_size(root).width, natural.width);
+    EXPECT_EQ(natural_size(root).height, natural.height);
+    const area all{.x = 0, .y = 0, .width = available.width, .height = available.height};
+    EXPECT_THAT(arrange(root, all), ElementsAreArray(expected));
+}
+
+const arrange_case arrange_cases[] = {
+    {"row_centres_and_spaces",
+     row({wide(1), small(2)}, 5),
+     {85, 20},
+     {85, 20},
+     {{1, {0, 0, 60, 20}}, {2, {65, 5, 20, 10}}}},
+    {"row_keeps_a_child_at_its_top",
+     row({wide(1), at_top(small(2))}, 0),
+     {80, 20},
+     {80, 20},
+     {{1, {0, 0, 60, 20}}, {2, {60, 0, 20, 10}}}},
+    {"filler_aligns_right",
+     row({small(1), filler(), small(2)}, 5),
+     {50, 10},
+     {100, 10},
+     {{1, {0, 0, 20, 10}}, {2, {80, 0, 20, 10}}}},
+    {"odd_pixels_are_not_lost",
+     row({growing_wide(small(1)), growing_wide(small(2)), growing_wide(small(3))}, 0),
+     {60, 10},
+     {100, 10},
+     {{1, {0, 0, 33, 10}}, {2, {33, 0, 33, 10}}, {3, {66, 0, 34, 10}}}},
+    {"equal_widths_follow_the_widest",
+     with_equal_widths(row({small(1), wide(2)}, 4)),
+     {124, 20},
+     {124, 20},
+     {{1, {0, 5, 60, 10}}, {2, {64, 0, 60, 20}}}},
+    {"column_keeps_natural_widths",
+     column({small(1), growing_wide(small(2))}, 3),
+     {20, 23},
+     {50, 23},
+     {{1, {0, 0, 20, 10}}, {2, {0, 13, 50, 10}}}},
+    {"row_in_a_column_gets_the_width",
+     column({wide(1), row({filler(), small(2)}, 0)}, 0),
+     {60, 30},
+     {60, 30},
+     {{1, {0, 0, 60, 20}}, {2, {40, 20, 20, 10}}}},
+    {"what_grows_high_takes_the_rest",
+     column({small(1), list(2), small(3)}, 0),
+     {100, 60},
+     {120, 100},
+     {{1, {0, 0, 20, 10}}, {2, {0, 10, 120, 80}}, {3, {0, 90, 20, 10}}}},
+    {"lack_of_room_shrinks_what_can",
+     column({small(1), list(2), small(3)}, 0),
+     {100, 60},
+     {60, 35},
+     {{1, {0, 0, 20, 10}}, {2, {0, 10, 60, 15}}, {3, {0, 25, 20, 10}}}},
+    {"lack_is_shared_in_proportion",
+     row({list(1), shrinking_to({90, 10}, wide(2))}, 0),
+     {160, 40},
+     {140, 40},
+     {{1, {0, 0, 80, 40}}, {2, {80, 10, 60, 20}}}},
+    {"never_below_the_least_size",
+     column({small(1), list(2)}, 0),
+     {100, 50},
+     {10, 10},
+     {{1, {0, 0, 20, 10}}, {2, {0, 10, 50, 10}}}},
+    {"frame_surrounds_its_content",
+     framed(9, column({small(1)}, 0), {7, 11, 7, 7}, 10),
+     {34, 28},
+     {34, 28},
+     {{9, {0, 0, 34, 28}}, {1, {7, 11, 20, 10}}}},
+    {"frame_is_as_wide_as_its_caption",
+     framed(9, column({small(1)}, 0), {7, 11, 7, 7}, 50),
+     {50, 28},
+     {0, 0},
+     {{9, {0, 0, 50, 28}}, {1, {7, 11, 20, 10}}}},
+    {"wrapped_text_is_as_high_as_its_width_needs",
+     column({text(1, 120), small(2)}, 0),
+     {120, 30},
+     {120, 30},
+     {{1, {0, 0, 120, 20}}, {2, {0, 20, 20, 10}}}},
+    {"stretched_wrapped_text_becomes_lower",
+     column({growing_wide(text(1, 120)), small(2)}, 0),
+     {120, 30},
+     {240, 20},
+     {{1, {0, 0, 240, 10}}, {2, {0, 10, 20, 10}}}},
+};
+
+INSTANTIATE_TEST_SUITE_P(rule, arrange_test, testing::ValuesIn(arrange_cases), name_of_row);
+
+TEST(natural_size_test, limited_width_wraps_text_into_more_lines)
+{
+    const box root = shrinking_to({.width = 60, .height = 0}, text(1, 240));
+    EXPECT_EQ(natural_size(root), (extent{240, 10}));
+    EXPECT_EQ(natural_size(root, 80), (extent{80, 30}));
+    EXPECT_EQ(natural_size(root, 10), (extent{60, 40}));
+}
+
+/// A tree of rows and columns over controls numbered from 1 on.
+class random_tree {
+public:
+    explicit random_tree(unsigned seed) : random_(seed) {}
+
+    box make(int depth)
+    {
+        if (depth == 0 || chance(4))
+            return leaf();
+        std::vector<box> children;
+        for (int i = number(1, 4); i > 0; --i)
+            children.push_back(make(depth - 1));
+        box made = chance(2) ? row(std::move(children), number(0, 6)) : column(std::move(children), number(0, 6));
+        made.equal_widths = chance(3);
+        made.grows_high = chance(3);
+        made.grows_wide = chance(3);
+        return chance(3) ? padded(std::move(made), {3, 5, 7, 9}) : made;
+    }
+
+    std::vector<extent> least_sizes; ///< of control i at index i - 1
+
+private:
+    int number(int low, int high) { return std::uniform_int_distribution(low, high)(random_); }
+    bool chance(int one_in) { return number(1, one_in) == 1; }
+
+    box leaf()
+    {
+        const extent natural{.width = number(1, 90), .height = number(1, 40)};
+        box made = control_box(static_cast<int>(least_sizes.size()) + 1, natural);
+        if (chance(3))
+            made.least = {.width = number(1, natural.width), .height = number(1, natural.height)};
+        made.grows_wide = chance(3);
+        made.grows_high = chance(3);
+        least_sizes.push_back(made.least);
+        return made;
+    }
+
+    std::mt19937 random_;
+};
+
+bool overlap(const area& a, const area& b)
+{
+    return a.x < b.x + b.width && b.x < a.x + a.width && a.y < b.y + b.height && b.y < a.y + a.height;
+}
+
+bool contains(const area& outer, const area& inner)
+{
+    return inner.x >= outer.x && inner.y >= outer.y && inner.x + inner.width <= outer.x + outer.width &&
+           inner.y + inner.height <= outer.y + outer.height;
+}
+
+TEST(arrange_property_test, nothing_overlaps_is_clipped_or_lies_outside)
+{
+    for (unsigned seed = 1; seed <= 400; ++seed) {
+        random_tree source(seed);
+        const box root = source.make(4);
+        const extent natural = natural_size(root);
+        for (const int percent : {100, 130, 250}) {
+            const area all{
+                .x = 11, .y = 13, .width = natural.width * percent / 100, .height = natural.height * percent / 100};
+            const std::vector<placement> placed = arrange(root, all);
+            ASSERT_EQ(placed.size(), source.least_sizes.size()) << "seed " << seed;
+            for (std::size_t i = 0; i < placed.size(); ++i) {
+                const auto& [width, height] = source.least_sizes[static_cast<std::size_t>(placed[i].control) - 1];
+                ASSERT_TRUE(contains(all, placed[i].place)) << "seed " << seed;
+                ASSERT_GE(placed[i].place.width, width) << "seed " << seed;
+                ASSERT_GE(placed[i].place.height, height) << "seed " << seed;
+                for (std::size_t j = 0; j < i; ++j)
+                    ASSERT_FALSE(overlap(placed[i].place, placed[j].place)) << "seed " << seed;
+            }
+        }
+    }
+}
+
+struct centred_case {
+    const char* name;
+    extent size;
+    area around;
+    area bounds;
+    area expected;
+};
+
+std::ostream& operator<<(std::ostream& out, const centred_case& row)
+{
+    return out << row.name;
+}
+
+class centred_test : public testing::TestWithParam<centred_case> {};
+
+TEST_P(centred_test, goes_to)
+{
+    EXPECT_EQ(centred(GetParam().size, GetParam().around, GetParam().bounds), GetParam().expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    rule, centred_test,
+    testing::ValuesIn(std::to_array<centred_case>({
+        {"over_its_owner", {100, 50}, {200, 200, 300, 100}, {0, 0, 1000, 700}, {300, 225, 100, 50}},
+        {"owner_beyond_the_right_edge", {100, 50}, {950, 200, 300, 100}, {0, 0, 1000, 700}, {900, 225, 100, 50}},
+        {"owner_above_a_task_bar_at_the_top", {100, 50}, {200, -80, 100, 60}, {0, 40, 1000, 660}, {200, 40, 100, 50}},
+        {"on_a_second_screen_left_of_the_first",
+         {100, 50},
+         {-500, 0, 100, 50},
+         {-800, 0, 800, 600},
+         {-500, 0, 100, 50}},
+        {"larger_than_the_screen_shows_its_start", {1200, 900}, {0, 0, 100, 100}, {0, 0, 1000, 700}, {0, 0, 1200, 900}},
+    })),
+    name_of_row);
+
+} // namespace
+} // namespace girder::ui
