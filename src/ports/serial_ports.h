@@ -6,15 +6,19 @@
 
 namespace tidelink {
 
-/// A serial port that is present on this machine.
+/// A serial (COM) port of this machine.
 struct SerialPortInfo {
-    std::u16string friendlyName;  ///< the device's name for people; empty when it has none
-    std::uint32_t portNumber = 0; ///< 3 for COM3; never 0
+    std::u16string friendlyName;  ///< e.g. "USB Serial Port (COM3)"; empty when the device has none
+    std::uint32_t portNumber = 0; ///< 3 for COM3; never 0 in a list
+
+    bool operator==(const SerialPortInfo&) const = default;
 };
 
-/// The serial ports that are present now, by number; two devices with one number give two records. Asks the device
-/// database (SetupDi functions) and opens no port. Never fails: what cannot be read is left out, or listed without its
-/// name. Windows only.
+/// The ports that are present now, in ascending order of their numbers, as the device-installation database lists them
+/// (SetupDi functions, COM-port device interface class). No port is opened. Two devices of one number are both listed.
+///
+/// Never fails: a device whose number cannot be read is left out, and where the database cannot be read the list is
+/// empty. Windows only.
 std::vector<SerialPortInfo> EnumerateSerialPorts();
 
 } // namespace tidelink
