@@ -16,20 +16,14 @@ namespace tidelink {
 /// keep their texts at even addresses.
 class StringEntry {
 public:
-    /// An entry that is not there.
-    constexpr StringEntry() noexcept = default;
+    /// Without content: to be assigned to before it is asked anything.
+    StringEntry() noexcept = default;
 
     /// The entry whose stored form begins at `stored`. The caller has found all of it to be within the pack.
     explicit StringEntry(const std::byte* stored) noexcept
         : stored_(stored), id_(load_number<std::uint32_t>(stored)),
-          is_list_((load_number<std::uint32_t>(stored + kind_and_revision_at) & kind_mask) != 0)
-    {
-        if (!is_list_)
-            length_ = load_number<std::uint16_t>(stored + length_at);
-    }
-
-    /// False for an entry that is not there; nothing else may be asked of one.
-    explicit operator bool() const noexcept { return stored_ != nullptr; }
+          length_(is_list(stored) ? 0 : load_number<std::uint16_t>(stored + length_at))
+    {}
 
     std::uint32_t id() const noexcept { return id_; }
 
@@ -39,9 +33,9 @@ public:
         return load_number<std::uint32_t>(stored_ + kind_and_revision_at) >> revision_shift;
     }
 
-    /// The text; empty for a list. A null unit follows the last one, so that data() may go to a function that wants
-    /// one.
-    std::u16string_view text() const noexcept { return is_list_ ? no_text : view(stored_ + text_at, length_); }
+    /// The text, with a null unit behind it, so that data() may go to a function that wants one. Empty for a list, and
+    /// then without that promise.
+    std::u16string_view text() const noexcept { return view(stored_ + text_at, length_); }
 
     /// The item of a list at `index`: when several were stored for the index, the last one. Empty where there is none,
     /// and for a single text. Followed by a null unit. Takes time in proportion to the number of items.
@@ -49,7 +43,12 @@ public:
 
     /// Bytes that the stored entry takes which begins at `stored`, of which `available` bytes may be read. 0 when it is
     /// malformed: a length or count leads further, or a text is not followed by its null.
-    static std::size_t stored_size(const std::byte* stored, std::size_t available) noexcept;
+    static std::size_t stored_size(const std::byte* stored, std::size_t available) noexcept
+    {
+        if (available < min_stored_size)
+            return 0;
+        return is_list(stored) ? list_size(stored, available) : size_with_text(stored, available, text_at);
+    }
 
     /// No stored entry is shorter.
     static constexpr std::size_t min_stored_size = 12;
@@ -65,19 +64,33 @@ private:
     static constexpr std::size_t item_count_at = 8;
     static constexpr std::size_t items_at = 12;
 
-    /// Empty, yet with a null unit behind it.
-    static constexpr std::u16string_view no_text{u"", 0};
-
     /// The one place where stored bytes become a text.
     static std::u16string_view view(const std::byte* units, std::size_t length) noexcept
     {
         return {reinterpret_cast<const char16_t*>(units), length};
     }
 
-    const std::byte* stored_ = nullptr;
-    std::uint32_t id_ = 0;
-    std::uint16_t length_ = 0;
-    bool is_list_ = false;
+    static bool is_list(const std::byte* stored) noexcept
+    {
+        return (load_number<std::uint32_t>(stored + kind_and_revision_at) & kind_mask) != 0;
+    }
+
+    /// Bytes of a text with its null, and of the `before` bytes in front of it, the last two of which are its length; 0
+    /// when it is malformed.
+    static std::size_t size_with_text(const std::byte* stored, std::size_t available, std::size_t before) noexcept
+    {
+        const std::size_t length = load_number<std::uint16_t>(stored + before - sizeof(std::uint16_t));
+        const std::size_t size = before + (length + 1) * sizeof(char16_t);
+        if (size > available || load_number<std::uint16_t>(stored + size - sizeof(char16_t)) != 0)
+            return 0;
+        return size;
+    }
+
+    static std::size_t list_size(const std::byte* stored, std::size_t available) noexcept;
+
+    const std::byte* stored_;
+    std::uint32_t id_;
+    std::uint32_t length_;
 };
 
 } // namespace tidelink

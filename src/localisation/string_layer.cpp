@@ -1,9 +1,6 @@
 #include "localisation/string_layer.h"
 
-#include <algorithm>
 #include <array>
-#include <bit>
-#include <utility>
 
 namespace tidelink {
 
@@ -51,81 +48,45 @@ bool skip_extra(std::span<const std::byte>& rest) noexcept
     return true;
 }
 
+/// Whether an entry belongs to another revision of a text than the layers beneath have.
+bool is_stale(const StringEntry& entry, const StringLayer& beneath) noexcept
+{
+    const StringEntry* const replaced = beneath.find(entry.id());
+    return replaced != nullptr && replaced->revision() != entry.revision();
+}
+
 } // namespace
 
 std::optional<StringLayer> StringLayer::read(std::span<const std::byte> pack, pack_form form,
                                              const StringLayer* beneath)
 {
-    StringLayer layer;
-    if (form == pack_form::with_signature && !take_signature(pack))
-        return std::nullopt;
-    if (!take_name(pack, layer.locale_name_) || !take_name(pack, layer.language_tag_) || !skip_extra(pack))
-        return std::nullopt;
-    if (!layer.read_entries(pack, beneath))
-        return std::nullopt;
-    if (beneath != nullptr)
-        layer.insert_all_of(*beneath);
-    return layer;
-}
-
-bool StringLayer::read_entries(std::span<const std::byte> rest, const StringLayer* beneath)
-{
+    std::span<const std::byte> rest = pack;
+    std::string_view locale_name;
+    std::string_view language_tag;
     std::uint32_t count = 0;
-    if (!take(rest, count) || count > rest.size() / StringEntry::min_stored_size)
-        return false;
-    make_room(count + (beneath != nullptr ? beneath->entries_ : 0));
+    if (form == pack_form::with_signature && !take_signature(rest))
+        return std::nullopt;
+    if (!take_name(rest, locale_name) || !take_name(rest, language_tag) || !skip_extra(rest) || !take(rest, count))
+        return std::nullopt;
+    if (count > rest.size() / StringEntry::min_stored_size)
+        return std::nullopt;
+
+    std::optional<StringLayer> layer =
+        StringLayer(locale_name, language_tag, count + (beneath != nullptr ? beneath->entries_.size() : 0));
+    const std::byte* stored = rest.data();
+    const std::byte* const end = stored + rest.size();
     for (; count > 0; --count) {
-        const std::size_t size = StringEntry::stored_size(rest.data(), rest.size());
+        const std::size_t size = StringEntry::stored_size(stored, static_cast<std::size_t>(end - stored));
         if (size == 0)
-            return false;
-        const StringEntry entry(rest.data());
-        const StringEntry* const replaced = beneath != nullptr ? beneath->find(entry.id()) : nullptr;
-        if (replaced == nullptr || replaced->revision() == entry.revision())
-            insert(entry);
-        rest = rest.subspan(size);
+            return std::nullopt;
+        const StringEntry entry(stored);
+        if (beneath == nullptr || !is_stale(entry, *beneath))
+            layer->entries_.insert(entry);
+        stored += size;
     }
-    return true;
-}
-
-void StringLayer::make_room(std::size_t entries)
-{
-    constexpr std::size_t min_homes = 16;
-    constexpr int hash_bits = 32;
-    const std::size_t homes = std::bit_ceil(std::max(entries + entries / 2, min_homes));
-    shift_ = static_cast<unsigned>(std::max(hash_bits - std::countr_zero(homes), 0));
-    slots_.resize(homes + probe_limit);
-}
-
-void StringLayer::insert(const StringEntry& entry)
-{
-    StringEntry* slot = &slots_[home(entry.id())];
-    for (const StringEntry* const end = slot + probe_limit; slot != end; ++slot) {
-        if (!*slot) {
-            *slot = entry;
-            ++entries_;
-            return;
-        }
-        if (slot->id() == entry.id())
-            return;
-    }
-    if (overflow_.emplace(entry.id(), entry).second)
-        ++entries_;
-}
-
-void StringLayer::insert_all_of(const StringLayer& beneath)
-{
-    for (const StringEntry& slot : beneath.slots_) {
-        if (slot)
-            insert(slot);
-    }
-    for (const auto& [id, entry] : beneath.overflow_)
-        insert(entry);
-}
-
-const StringEntry* StringLayer::find_overflown(std::uint32_t id) const noexcept
-{
-    const auto found = overflow_.find(id);
-    return found != overflow_.end() ? &found->second : nullptr;
+    if (beneath != nullptr)
+        layer->entries_.insert_all_of(beneath->entries_);
+    return layer;
 }
 
 } // namespace tidelink

@@ -1,14 +1,13 @@
 #pragma once
 
 #include "localisation/string_entry.h"
+#include "localisation/string_set.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <map>
 #include <optional>
 #include <span>
 #include <string_view>
-#include <vector>
 
 namespace tidelink {
 
@@ -38,39 +37,16 @@ public:
     std::string_view language_tag() const noexcept { return language_tag_; }
 
     /// Null when no layer has the id. Lives as long as this layer.
-    const StringEntry* find(std::uint32_t id) const noexcept
-    {
-        const StringEntry* slot = &slots_[home(id)];
-        for (const StringEntry* const end = slot + probe_limit; slot != end; ++slot) {
-            if (!*slot)
-                return nullptr;
-            if (slot->id() == id)
-                return slot;
-        }
-        return find_overflown(id);
-    }
+    const StringEntry* find(std::uint32_t id) const noexcept { return entries_.find(id); }
 
 private:
-    /// No search looks at more slots, whatever ids a pack may hold.
-    static constexpr std::size_t probe_limit = 32;
-
-    StringLayer() = default;
-
-    bool read_entries(std::span<const std::byte> rest, const StringLayer* beneath);
-    void make_room(std::size_t entries);
-    void insert(const StringEntry& entry);
-    void insert_all_of(const StringLayer& beneath);
-    const StringEntry* find_overflown(std::uint32_t id) const noexcept;
-
-    /// Where the search for an id begins: multiplicative hashing, the top bits of the product.
-    std::size_t home(std::uint32_t id) const noexcept { return (id * 0x9E3779B1U) >> shift_; }
+    StringLayer(std::string_view locale_name, std::string_view language_tag, std::size_t max_entries)
+        : locale_name_(locale_name), language_tag_(language_tag), entries_(max_entries)
+    {}
 
     std::string_view locale_name_;
     std::string_view language_tag_;
-    std::size_t entries_ = 0;
-    unsigned shift_ = 0;
-    std::vector<StringEntry> slots_; // open addressing: a power of two of homes, and room behind the last one
-    std::map<std::uint32_t, StringEntry> overflow_; // those that found no slot within their limit
+    StringSet entries_;
 };
 
 } // namespace tidelink

@@ -129,7 +129,7 @@ TEST(string_layer_test, finds_ids_that_collide)
 {
     constexpr std::uint32_t inverse_of_factor = 0x0E8B2F51;
     static_assert(inverse_of_factor * 0x9E3779B1U == 1);
-    constexpr std::uint32_t count = 200;
+    constexpr std::uint32_t count = 1000;
     pack_builder builder;
     for (std::uint32_t number = 0; number < count; ++number)
         builder.text(number * inverse_of_factor, 0, std::u16string(number, u'x'));
