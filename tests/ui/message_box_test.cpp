@@ -1,3 +1,4 @@
+#include "handle_marks.h"
 #include "modal_loop.h"
 #include "support/cases.h"
 #include "ui/controls.h"
@@ -9,6 +10,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <functional>
 #include <ostream>
 #include <vector>
@@ -100,9 +102,12 @@ void expect_tidy(HWND dialog)
     }
 }
 
-TEST(message_box_test, every_combination_shows_exactly_its_buttons_from_left_to_right)
+TEST(message_box_test, combination_shows_exactly_its_buttons_from_left_to_right)
 {
-    for (unsigned set = 1; set < 1U << std::size(every_button); ++set) {
+    constexpr unsigned all = (1U << std::size(every_button)) - 1;
+    for (unsigned set = 1; set <= all; ++set) {
+        if (std::popcount(set) > 3 && set != all)
+            continue;
         std::vector<message_button> chosen;
         std::vector<int> ids;
         for (std::size_t i = 0; i < std::size(every_button); ++i)
@@ -350,17 +355,11 @@ TEST(message_box_test, openings_leave_no_handles)
                                    .buttons = ok,
                                    .check_box_text = u"Check"});
     };
-    const auto handles = [] {
-        DWORD kernel = 0;
-        ::GetProcessHandleCount(::GetCurrentProcess(), &kernel);
-        return std::to_array({kernel, ::GetGuiResources(::GetCurrentProcess(), GR_GDIOBJECTS),
-                              ::GetGuiResources(::GetCurrentProcess(), GR_USEROBJECTS)});
-    };
     open();
-    const auto before = handles();
+    const auto before = support::handle_marks();
     for (int i = 0; i < 200; ++i)
         open();
-    EXPECT_EQ(handles(), before);
+    EXPECT_EQ(support::handle_marks(), before);
 }
 
 } // namespace
