@@ -106,16 +106,5 @@ TEST(string_table_test, a_refused_built_in_pack_leaves_the_lower_layers)
     EXPECT_EQ(alone.find_or_null(1), nullptr) << "nothing is laid over a pack that was refused";
 }
 
-TEST(string_table_test, a_malformed_translation_counts_as_absent)
-{
-    const pack_bytes built_in = pack_builder().text(1, 0, u"one").text(2, 0, u"two").with_signature();
-    pack_bytes translation = pack_builder().text(1, 0, u"eins").text(2, 0, u"zwei").bare();
-    translation.pop_back();
-    StringTable table;
-    table.load(built_in, translation);
-    EXPECT_TRUE(table.loaded());
-    EXPECT_EQ(table.text(1), u"one");
-}
-
 } // namespace
 } // namespace tidelink
