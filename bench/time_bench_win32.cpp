@@ -1,0 +1,88 @@
+#include "format/format.h"
+#include "format/literals.h"
+#include "harness.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <ctime>
+#include <cwchar>
+#include <string>
+
+// The time stamp of the platform's own function beside ours.
+
+namespace {
+
+using namespace fmtkit::literals;
+
+std::array<__time64_t, 100> drawn;
+
+/// The runtime has neither %F nor %T nor a numeric zone.
+std::u16string by_wcsftime(__time64_t seconds)
+{
+    std::tm local{};
+    _localtime64_s(&local, &seconds);
+    wchar_t buffer[64];
+    std::size_t length = std::wcsftime(buffer, 64, L"%Y-%m-%dT%H:%M:%S", &local);
+    std::tm as_utc = local;
+    const auto minutes = static_cast<int>((_mkgmtime64(&as_utc) - seconds) / 60);
+    const auto distance = static_cast<unsigned>(std::abs(minutes));
+    for (const wchar_t unit :
+         {minutes < 0 ? L'-' : L'+', static_cast<wchar_t>(L'0' + distance / 600),
+          static_cast<wchar_t>(L'0' + distance / 60 % 10), static_cast<wchar_t>(L'0' + distance % 60 / 10),
+          static_cast<wchar_t>(L'0' + distance % 10)})
+        buffer[length++] = unit;
+    return {buffer, buffer + length};
+}
+
+std::u16string by_format(__time64_t seconds)
+{
+    const girder::file_time time{girder::unix_epoch_ticks + seconds * girder::ticks_per_second};
+    return fmtkit::format(u"{t(%FT%T%z)}"_fmt, time);
+}
+
+/// From calendar arithmetic alone, in the zone of the run: central European time with the runtime's own idea of summer.
+std::u16string expected(__time64_t seconds)
+{
+    std::tm local{};
+    _localtime64_s(&local, &seconds);
+    const int hours = local.tm_isdst > 0 ? 2 : 1;
+    const __time64_t shifted = seconds + hours * 3600;
+    std::tm utc{};
+    _gmtime64_s(&utc, &shifted);
+    char buffer[64];
+    const int length = std::snprintf(buffer, sizeof buffer, "%04d-%02d-%02dT%02d:%02d:%02d+%02d00", utc.tm_year + 1900,
+                                     utc.tm_mon + 1, utc.tm_mday, utc.tm_hour, utc.tm_min, utc.tm_sec, hours);
+    return {buffer, buffer + length};
+}
+
+template <typename Make>
+bench::participant writes(const char* name, Make make)
+{
+    return {.name = name,
+            .run =
+                [make] {
+                    for (const __time64_t each : drawn)
+                        bench::keep(make(each));
+                },
+            .is_right =
+                [make] {
+                    return std::ranges::all_of(drawn, [&](__time64_t each) { return make(each) == expected(each); });
+                }};
+}
+
+} // namespace
+
+int main()
+{
+    bench::report report("Formatting a time on Windows");
+    report.compare({.work = "F5 `{t(%FT%T%z)}`",
+                    .goal = 0.06,
+                    .subject = writes("known at build time", by_format),
+                    .peers = {writes("wcsftime", by_wcsftime)},
+                    .draw = [](bench::random_source& random) {
+                        std::uniform_int_distribution<__time64_t> seconds(0, 2'000'000'000);
+                        std::ranges::generate(drawn, [&] { return seconds(random); });
+                    }});
+    return report.exit_code();
+}
