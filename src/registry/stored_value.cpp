@@ -1,0 +1,146 @@
+#include "registry/stored_value.h"
+
+#include "base/utf.h"
+#include "registry/date_text.h"
+#include "registry/guid_text.h"
+#include "serialisation/load_exception.h"
+
+#include <windows.h>
+
+#include <charconv>
+#include <cstring>
+
+namespace girder::registry_ex {
+namespace {
+
+using nsm::details::load_exception;
+
+[[noreturn]] void refuse(const char* text)
+{
+    throw load_exception(text);
+}
+
+bool is_number_type(std::uint32_t type)
+{
+    return type == REG_DWORD || type == REG_QWORD;
+}
+
+/// Whether values of the type are written by this layer at all.
+bool is_known_type(std::uint32_t type)
+{
+    return type == REG_SZ || type == REG_BINARY || is_number_type(type);
+}
+
+/// Throws for a value that is not of the wanted kind.
+void expect_kind(bool is_kind, std::uint32_t type, const char* expected)
+{
+    if (!is_kind)
+        refuse(is_known_type(type) ? expected : nsm::details::bad_format);
+}
+
+template <typename Number>
+Number number_in(const std::vector<std::byte>& data)
+{
+    Number number = 0;
+    std::memcpy(&number, data.data(), sizeof number);
+    return number;
+}
+
+/// A text that a number was written as, of any size that the shortest form can have.
+template <typename Real>
+Real parse_real(const std::u16string& text)
+{
+    const std::string narrow = to_utf8(text);
+    Real value = 0;
+    const auto [end, error] = std::from_chars(narrow.data(), narrow.data() + narrow.size(), value);
+    if (error != std::errc() || end != narrow.data() + narrow.size())
+        refuse(nsm::details::bad_format);
+    return value;
+}
+
+} // namespace
+
+bool stored_value::is_null() const noexcept
+{
+    return type == REG_NONE && data.empty();
+}
+
+bool stored_value::is_binary() const noexcept
+{
+    return type == REG_BINARY;
+}
+
+file_time stored_value::as_date() const
+{
+    expect_kind(type == REG_SZ, type, nsm::details::date_expected);
+    if (const auto parsed = parse_date(as_string()))
+        return *parsed;
+    refuse(nsm::details::bad_format);
+}
+
+std::u16string stored_value::as_string() const
+{
+    expect_kind(type == REG_SZ, type, nsm::details::string_expected);
+    if (data.size() % sizeof(char16_t) != 0)
+        refuse(nsm::details::bad_format);
+    std::u16string text(data.size() / sizeof(char16_t), u'\0');
+    if (!text.empty())
+        std::memcpy(text.data(), data.data(), data.size());
+    // Other programs may have stored the text without its terminating null.
+    if (!text.empty() && text.back() == u'\0')
+        text.pop_back();
+    return text;
+}
+
+nsm::guid stored_value::as_guid() const
+{
+    if (const auto parsed = parse_guid(as_string()))
+        return *parsed;
+    refuse(nsm::details::bad_format);
+}
+
+std::uint64_t stored_value::as_unsigned() const
+{
+    expect_kind(is_number_type(type), type, nsm::details::number_expected);
+    if (type == REG_DWORD && data.size() == sizeof(std::uint32_t))
+        return number_in<std::uint32_t>(data);
+    if (type == REG_QWORD && data.size() == sizeof(std::uint64_t))
+        return number_in<std::uint64_t>(data);
+    refuse(nsm::details::bad_format);
+}
+
+std::int64_t stored_value::as_signed() const
+{
+    const std::uint64_t number = as_unsigned();
+    return type == REG_DWORD ? static_cast<std::int32_t>(number) : static_cast<std::int64_t>(number);
+}
+
+double stored_value::as_double() const
+{
+    if (is_number_type(type))
+        return static_cast<double>(as_signed());
+    expect_kind(type == REG_SZ, type, nsm::details::number_expected);
+    return parse_real<double>(as_string());
+}
+
+float stored_value::as_float() const
+{
+    if (is_number_type(type))
+        return static_cast<float>(as_signed());
+    expect_kind(type == REG_SZ, type, nsm::details::number_expected);
+    return parse_real<float>(as_string());
+}
+
+bool stored_value::as_boolean() const
+{
+    expect_kind(is_number_type(type), type, nsm::details::boolean_expected);
+    return as_unsigned() != 0;
+}
+
+std::vector<std::byte> stored_value::as_binary() const
+{
+    expect_kind(type == REG_BINARY, type, nsm::details::array_expected);
+    return data;
+}
+
+} // namespace girder::registry_ex

@@ -1,0 +1,97 @@
+#pragma once
+
+#include "serialisation/field_matcher.h"
+#include "serialisation/field_values.h"
+#include "serialisation/load_exception.h"
+#include "serialisation/visitor.h"
+
+#include <array>
+#include <cstddef>
+#include <functional>
+#include <string_view>
+#include <tuple>
+#include <utility>
+
+// A record is a structure whose fields are declared once, in a table of rows that everything below walks.
+
+namespace girder::nsm {
+
+/// One row: the serialised name, the member, and the value that a record starts with.
+template <typename Record, typename Value, typename Default>
+struct field {
+    std::string_view name;
+    Value Record::* member;
+    Default default_value;
+};
+
+/// The rows of a record, in declaration order.
+template <typename... Fields>
+struct field_table {
+    constexpr explicit field_table(Fields... rows) noexcept : fields(rows...), names{rows.name...} {}
+
+    std::tuple<Fields...> fields;
+    std::array<std::string_view, sizeof...(Fields)> names;
+};
+
+/// Calls `visit` with every row, in declaration order.
+template <typename Table, typename Visit>
+constexpr void for_each_field(const Table& table, Visit&& visit)
+{
+    std::apply([&visit](const auto&... row) { (visit(row), ...); }, table.fields);
+}
+
+template <typename Table, typename Record>
+void assign_defaults(const Table& table, Record& record)
+{
+    for_each_field(table, [&record](const auto& row) { record.*row.member = row.default_value; });
+}
+
+template <typename Table, typename Record>
+void write_all(const Table& table, const Record& record, value_writer& writer)
+{
+    for_each_field(table, [&](const auto& row) { write_value(writer, row.name, record.*row.member); });
+}
+
+/// Writes the fields that differ from `defaults`.
+template <typename Table, typename Record>
+void write_changed(const Table& table, const Record& record, const Record& defaults, value_writer& writer)
+{
+    for_each_field(table, [&](const auto& row) {
+        if (record.*row.member != defaults.*row.member)
+            write_value(writer, row.name, record.*row.member);
+    });
+}
+
+/// Called for a field that cannot be read.
+using field_failure = std::function<void(std::string_view name, const details::load_exception& error)>;
+
+/// Fills the record with the members of an object. Fields that the object lacks keep their values; unknown members are
+/// ignored.
+/// \param on_failure  takes the error of a single field, which then keeps its value, and the others are read all the
+///                    same. Empty: the first error is thrown, and the fields read before keep what was read
+/// \throws details::load_exception
+template <typename Table, typename Record>
+void read_record(const Table& table, const value_reader& object, Record& record, const field_failure& on_failure = {})
+{
+    const bool name_order = (object.capabilities() & members_in_name_order) != 0;
+    field_matcher matcher(table.names, name_order ? field_matcher::expected_order::name
+                                                  : field_matcher::expected_order::declaration);
+    object.visit_members([&](value_name name, const value_reader& value) {
+        const std::optional<std::size_t> matched = matcher.match(name.text);
+        if (!matched || name.suffix() != 0)
+            return;
+        try {
+            std::size_t index = 0;
+            for_each_field(table, [&](const auto& row) {
+                if (index++ == *matched)
+                    read_value(value, record.*row.member);
+            });
+        } catch (const details::load_exception& error) {
+            if (!on_failure)
+                throw;
+            on_failure(name.text, error);
+        }
+    });
+}
+
+} // namespace girder::nsm

@@ -1,0 +1,233 @@
+#include "base/handles.h"
+#include "registry/key_store.h"
+#include "serialisation/field_values.h"
+#include "serialisation/load_exception.h"
+#include "support/scratch_hive.h"
+
+#include <gmock/gmock.h>
+
+#include <limits>
+#include <map>
+
+namespace {
+
+using namespace girder;
+using namespace girder::registry_ex;
+using nsm::value_name;
+using nsm::value_reader;
+using nsm::details::load_exception;
+using testing::ElementsAre;
+
+constexpr const char16_t* path = u"Software\\Zelmark test";
+
+class registry_test : public testing::Test {
+protected:
+    RegistryKeyStore store(store_options options = {}) { return {HKEY_LOCAL_MACHINE, path, options}; }
+
+    /// The type and size of a stored value; type 0xFFFF when there is none.
+    static std::pair<DWORD, DWORD> stored(const wchar_t* subkey, const wchar_t* name)
+    {
+        const std::wstring key = std::wstring(L"Software\\Zelmark test") + (*subkey ? L"\\" : L"") + subkey;
+        DWORD type = 0;
+        DWORD size = 0;
+        if (::RegGetValueW(HKEY_LOCAL_MACHINE, key.c_str(), name, RRF_RT_ANY | RRF_NOEXPAND, &type, nullptr, &size) !=
+            ERROR_SUCCESS)
+            return {0xFFFF, 0};
+        return {type, size};
+    }
+
+    /// Calls `read` with the member of that name.
+    template <typename Reading>
+    void read_member(std::string_view wanted, std::uint32_t suffix, Reading reading)
+    {
+        RegistryKeyStore source = store();
+        int found = 0;
+        source.open_for_reading().visit_members([&](value_name name, const value_reader& value) {
+            if (name.text == wanted && name.suffix() == suffix) {
+                ++found;
+                reading(value);
+            }
+        });
+        EXPECT_EQ(found, 1) << wanted;
+    }
+
+    support::scratch_hive hive_;
+};
+
+TEST_F(registry_test, every_kind_reads_back_as_it_was_written)
+{
+    constexpr file_time moment{unix_epoch_ticks + 1'750'852'989 * ticks_per_second};
+    constexpr nsm::guid id{0x35B11BAB, 0x5238, 0x4E93, {0xB0, 0x6A, 0x92, 0x33, 0x2C, 0x5D, 0x20, 0xFA}};
+    {
+        const auto writer = store().open_for_writing();
+        writer->write_date("date", moment);
+        writer->write_string("text", u"Grüße 日本");
+        writer->write_string("empty", u"");
+        writer->write_guid("guid", id);
+        writer->write_double("double", 0.1);
+        writer->write_double("infinity", std::numeric_limits<double>::infinity());
+        writer->write_float("float", 0.1F);
+        writer->write_boolean("yes", true);
+        writer->write_boolean("no", false);
+        writer->write_binary("bytes", std::as_bytes(std::span("abc")));
+        writer->write_binary("no bytes", {});
+        writer->write_unsigned({"suffixed", value_name::type_code_of_suffix(9)}, 5);
+    }
+    read_member("date", 0, [&](const value_reader& value) { EXPECT_EQ(value.as_date(), moment); });
+    read_member("text", 0, [](const value_reader& value) { EXPECT_EQ(value.as_string(), u"Grüße 日本"); });
+    read_member("empty", 0, [](const value_reader& value) { EXPECT_EQ(value.as_string(), u""); });
+    read_member("guid", 0, [&](const value_reader& value) { EXPECT_EQ(value.as_guid(), id); });
+    read_member("double", 0, [](const value_reader& value) { EXPECT_EQ(value.as_double(), 0.1); });
+    read_member("infinity", 0, [](const value_reader& value) { EXPECT_GT(value.as_double(), 1e308); });
+    read_member("float", 0, [](const value_reader& value) { EXPECT_EQ(value.as_float(), 0.1F); });
+    read_member("yes", 0, [](const value_reader& value) { EXPECT_TRUE(value.as_boolean()); });
+    read_member("no", 0, [](const value_reader& value) { EXPECT_FALSE(value.as_boolean()); });
+    read_member("bytes", 0, [](const value_reader& value) { EXPECT_EQ(value.as_binary().size(), 4U); });
+    read_member("no bytes", 0, [](const value_reader& value) { EXPECT_TRUE(value.as_binary().empty()); });
+    read_member("suffixed", 9, [](const value_reader& value) { EXPECT_EQ(value.as_unsigned(), 5U); });
+    EXPECT_EQ(stored(L"", L"suffixed@9"), std::pair(DWORD{REG_DWORD}, DWORD{4}));
+    EXPECT_EQ(stored(L"", L"text"), std::pair(DWORD{REG_SZ}, DWORD{18})) << "with its terminating null";
+}
+
+TEST_F(registry_test, numbers_take_four_bytes_where_they_fit)
+{
+    const std::pair<std::int64_t, DWORD> signed_numbers[] = {
+        {-2147483648LL, REG_DWORD}, {2147483647LL, REG_DWORD}, {-2147483649LL, REG_QWORD}, {2147483648LL, REG_QWORD}};
+    for (const auto& [number, type] : signed_numbers) {
+        store().open_for_writing()->write_signed("n", number);
+        EXPECT_EQ(stored(L"", L"n").first, type) << number;
+        read_member("n", 0, [&](const value_reader& value) { EXPECT_EQ(value.as_signed(), number); });
+    }
+    for (const auto& [number, type] :
+         {std::pair(0xFFFFFFFFULL, DWORD{REG_DWORD}), {0x100000000ULL, DWORD{REG_QWORD}}}) {
+        store().open_for_writing()->write_unsigned("n", number);
+        EXPECT_EQ(stored(L"", L"n").first, type) << number;
+        read_member("n", 0, [&](const value_reader& value) { EXPECT_EQ(value.as_unsigned(), number); });
+    }
+}
+
+TEST_F(registry_test, arrays_are_subkeys_with_counted_elements)
+{
+    {
+        const auto writer = store().open_for_writing();
+        writer->begin_array("list", 4);
+        writer->write_unsigned({}, 7);
+        writer->write_null({});
+        writer->begin_structure({}, 2);
+        writer->write_boolean("inner", true);
+        writer->end_structure();
+        writer->write_unsigned({"", value_name::type_code_of_suffix(3)}, 9);
+        writer->end_array();
+        writer->write_boolean("after", true);
+    }
+    EXPECT_EQ(stored(L"list", L"@count"), std::pair(DWORD{REG_DWORD}, DWORD{4}));
+    EXPECT_EQ(stored(L"list", L"00001"), std::pair(DWORD{REG_NONE}, DWORD{0}));
+    EXPECT_EQ(stored(L"list", L"00003@3").first, DWORD{REG_DWORD});
+    EXPECT_EQ(stored(L"", L"after").first, DWORD{REG_DWORD});
+    std::vector<std::string> seen;
+    read_member("list", 0, [&seen](const value_reader& list) {
+        list.visit_elements([&seen](const value_reader& element) {
+            if (element.is_null()) {
+                seen.emplace_back("null");
+            } else if (seen.size() == 2) {
+                seen.push_back("structure " + std::to_string(element.structure_version()));
+                element.visit_members([&seen](value_name name, const value_reader&) { seen.emplace_back(name.text); });
+            } else {
+                seen.push_back(std::to_string(element.as_unsigned()));
+            }
+        });
+    });
+    EXPECT_THAT(seen, ElementsAre("7", "null", "structure 2", "inner", "9"));
+}
+
+TEST_F(registry_test, both_representations_of_a_number_list_read_the_same)
+{
+    const std::vector<std::uint32_t> numbers = {3, 1, 0xFFFFFFFF};
+    {
+        const auto writer = store().open_for_writing();
+        nsm::write_value(*writer, "blob", numbers);
+        writer->begin_array("array", 3);
+        for (const std::uint32_t number : numbers)
+            writer->write_unsigned({}, number);
+        writer->end_array();
+    }
+    EXPECT_EQ(stored(L"", L"blob"), std::pair(DWORD{REG_BINARY}, DWORD{12}));
+    for (const char* const name : {"blob", "array"}) {
+        read_member(name, 0, [&](const value_reader& value) {
+            std::vector<std::uint32_t> read;
+            nsm::read_value(value, read);
+            EXPECT_EQ(read, numbers) << name;
+        });
+    }
+}
+
+TEST_F(registry_test, an_array_whose_elements_do_not_match_its_count_is_refused)
+{
+    {
+        const auto writer = store().open_for_writing();
+        writer->begin_array("list", 0xFFFFFFFF);
+        writer->write_unsigned({}, 7);
+        writer->end_array();
+        writer->begin_structure("no list", 1);
+        writer->end_structure();
+    }
+    const auto ignore = [](const value_reader&) {};
+    read_member("list", 0,
+                [&](const value_reader& list) { EXPECT_THROW(list.visit_elements(ignore), load_exception); });
+    read_member("no list", 0,
+                [&](const value_reader& list) { EXPECT_THROW(list.visit_elements(ignore), load_exception); });
+}
+
+TEST_F(registry_test, null_deletes_outside_an_array_only_when_asked_to)
+{
+    store().open_for_writing()->write_boolean("v", true);
+    store().open_for_writing()->write_null("v");
+    EXPECT_EQ(stored(L"", L"v").first, DWORD{REG_DWORD});
+    store({.delete_on_null = true}).open_for_writing()->write_null("v");
+    EXPECT_EQ(stored(L"", L"v").first, 0xFFFFU);
+}
+
+TEST_F(registry_test, capability_words)
+{
+    EXPECT_EQ(store().capabilities(), 27U);
+    EXPECT_EQ(store({.delete_on_null = true}).capabilities(), 19U);
+    EXPECT_EQ(store({.option_a = true, .delete_on_null = true}).capabilities(), 23U);
+    EXPECT_EQ(store({.option_a = true}).capabilities(), 31U);
+}
+
+TEST_F(registry_test, a_subkey_that_cannot_be_created_is_an_error_with_its_code)
+{
+    const auto writer = store().open_for_writing();
+    const std::string too_long(300, 'x');
+    try {
+        writer->begin_array(std::string_view(too_long), 1);
+        ADD_FAILURE() << "created";
+    } catch (const error_creating_key& error) {
+        EXPECT_STREQ(error.what(), "Error creating key");
+        EXPECT_NE(error.code(), 0U);
+    }
+    writer->write_boolean("still usable", true);
+    EXPECT_EQ(stored(L"", L"still usable").first, DWORD{REG_DWORD});
+}
+
+TEST_F(registry_test, reading_then_writing_leaks_no_handle)
+{
+    const auto handles = [] {
+        DWORD count = 0;
+        ::GetProcessHandleCount(::GetCurrentProcess(), &count);
+        return count;
+    };
+    const auto use = [this] {
+        RegistryKeyStore used = store();
+        used.open_for_reading();
+        const auto writer = used.open_for_writing();
+        writer->begin_array("left open", 1);
+    };
+    use();
+    const DWORD before = handles();
+    for (int i = 0; i < 50; ++i)
+        use();
+    EXPECT_EQ(handles(), before);
+}
+
+} // namespace

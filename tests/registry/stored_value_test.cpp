@@ -1,0 +1,134 @@
+#include "base/handles.h"
+#include "registry/date_text.h"
+#include "registry/stored_value.h"
+#include "serialisation/load_exception.h"
+#include "support/cases.h"
+
+#include <windows.h>
+
+#include <functional>
+
+namespace {
+
+using girder::nsm::details::load_exception;
+using girder::registry_ex::parse_date;
+using girder::registry_ex::stored_value;
+
+stored_value made(DWORD type, const void* data, std::size_t size)
+{
+    const auto* const bytes = static_cast<const std::byte*>(data);
+    return {.type = type, .data = {bytes, bytes + size}};
+}
+
+stored_value text(std::u16string_view value)
+{
+    return made(REG_SZ, value.data(), value.size() * sizeof(char16_t));
+}
+
+stored_value number(DWORD type, std::uint64_t value, std::size_t size)
+{
+    return made(type, &value, size);
+}
+
+struct refusal_case {
+    const char* name;
+    stored_value value;
+    std::function<void(const stored_value&)> read;
+    const char* error;
+};
+
+class refusal_test : public testing::TestWithParam<refusal_case> {};
+
+TEST_P(refusal_test, names_what_was_expected)
+{
+    try {
+        GetParam().read(GetParam().value);
+        ADD_FAILURE() << "not refused";
+    } catch (const load_exception& error) {
+        EXPECT_STREQ(error.what(), GetParam().error);
+    }
+}
+
+const auto as_string = [](const stored_value& value) { value.as_string(); };
+const auto as_boolean = [](const stored_value& value) { value.as_boolean(); };
+const auto as_unsigned = [](const stored_value& value) { value.as_unsigned(); };
+const auto as_double = [](const stored_value& value) { value.as_double(); };
+const auto as_binary = [](const stored_value& value) { value.as_binary(); };
+const auto as_date = [](const stored_value& value) { value.as_date(); };
+const auto as_guid = [](const stored_value& value) { value.as_guid(); };
+
+INSTANTIATE_TEST_SUITE_P(values, refusal_test,
+                         testing::ValuesIn(std::vector<refusal_case>{
+                             {"number_as_text", number(REG_DWORD, 1, 4), as_string, "String expected"},
+                             {"bytes_as_text", number(REG_BINARY, 1, 4), as_string, "String expected"},
+                             {"other_type_as_text", text(u"a"),
+                              [](stored_value v) {
+                                  v.type = REG_MULTI_SZ;
+                                  v.as_string();
+                              },
+                              "Bad format"},
+                             {"text_of_half_a_character", number(REG_SZ, 65, 3), as_string, "Bad format"},
+                             {"text_as_boolean", text(u"1"), as_boolean, "Boolean expected"},
+                             {"short_number", number(REG_DWORD, 1, 3), as_boolean, "Bad format"},
+                             {"long_number", number(REG_QWORD, 1, 4), as_unsigned, "Bad format"},
+                             {"other_byte_order", number(REG_DWORD_BIG_ENDIAN, 1, 4), as_unsigned, "Bad format"},
+                             {"text_as_number", text(u"1"), as_unsigned, "Number expected"},
+                             {"no_real_number", text(u"1,5"), as_double, "Bad format"},
+                             {"number_as_bytes", number(REG_DWORD, 1, 4), as_binary, "Array expected"},
+                             {"null_as_bytes", number(REG_NONE, 0, 0), as_binary, "Bad format"},
+                             {"number_as_date", number(REG_DWORD, 1, 4), as_date, "Date expected"},
+                             {"no_date", text(u"2025-06-31T00:00:00"), as_date, "Bad format"},
+                             {"no_guid", text(u"CLSID"), as_guid, "Bad format"},
+                         }),
+                         support::name_of_row);
+
+TEST(stored_value_test, texts_may_lack_their_terminating_null)
+{
+    EXPECT_EQ(text(u"de").as_string(), u"de");
+    EXPECT_EQ(text(std::u16string_view(u"de\0", 3)).as_string(), u"de");
+    EXPECT_EQ(made(REG_SZ, nullptr, 0).as_string(), u"");
+}
+
+TEST(stored_value_test, numbers_of_both_sizes)
+{
+    EXPECT_EQ(number(REG_DWORD, 0xFFFFFFFF, 4).as_signed(), -1);
+    EXPECT_EQ(number(REG_DWORD, 0xFFFFFFFF, 4).as_unsigned(), 0xFFFFFFFFU);
+    EXPECT_TRUE(number(REG_QWORD, std::uint64_t{1} << 40, 8).as_boolean());
+    EXPECT_FALSE(number(REG_QWORD, 0, 8).as_boolean());
+}
+
+struct date_case {
+    const char* name;
+    std::u16string_view text;
+    std::int64_t seconds; ///< since 1970-01-01 UTC
+};
+
+class date_test : public testing::TestWithParam<date_case> {};
+
+TEST_P(date_test, is_understood)
+{
+    const auto parsed = parse_date(GetParam().text);
+    ASSERT_TRUE(parsed);
+    EXPECT_EQ((parsed->ticks - girder::unix_epoch_ticks) / girder::ticks_per_second, GetParam().seconds);
+}
+
+INSTANTIATE_TEST_SUITE_P(texts, date_test,
+                         testing::ValuesIn(std::to_array<date_case>({
+                             {"east", u"2025-06-25T14:03:09+0100", 1'750'856'589},
+                             {"west", u"2025-06-25T14:03:09-0330", 1'750'872'789},
+                             {"without_zone_is_utc", u"2025-06-25T14:03:09", 1'750'860'189},
+                             {"before_1970", u"1601-01-01T00:00:00", -11'644'473'600},
+                             {"leap_day", u"2024-02-29T00:00:00", 1'709'164'800},
+                         })),
+                         support::name_of_row);
+
+TEST(date_test, anything_else_is_refused)
+{
+    for (const std::u16string_view text :
+         {u"", u"2025-06-25", u"2025-06-25 14:03:09", u"2025-06-25T14:03:09Z", u"2025-06-25T14:03:09+01:00",
+          u"2025-06-25T14:03:09+010", u"2025-06-25T14:03:09+01000", u"2025-02-29T00:00:00", u"2025-06-25T24:00:00",
+          u"1600-12-31T00:00:00", u"2025-06-25T1a:03:09", u"2025-06-25T14:03:09+9900"})
+        EXPECT_FALSE(parse_date(text)) << testing::PrintToString(text);
+}
+
+} // namespace
