@@ -1,0 +1,20 @@
+#pragma once
+
+// Numbers shared by the resource scripts and the code. The dialogs' numbers are fixed: tools that drive the program
+// from outside rely on them.
+
+#define IDD_CONFIG 129
+
+#define IDC_APPLY 3
+#define IDC_STATUS 1001
+#define IDC_START 1002
+#define IDC_STOP 1003
+#define IDC_SHARE_ALL 1005
+#define IDC_SHARE_SELECTED 1006
+#define IDC_PORTS 1007
+#define IDC_AUTO_DISCOVERY 1008
+#define IDC_SECURITY 1010
+#define IDC_ABOUT 1013
+#define IDC_STATUS_LABEL 1014
+#define IDC_SETTINGS_FRAME 1015
+#define IDC_LANGUAGE 1016

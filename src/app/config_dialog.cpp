@@ -1,0 +1,343 @@
+#include "app/config_dialog.h"
+
+#include "app/config_layout.h"
+#include "app/message_texts.h"
+#include "app/messages.h"
+#include "base/debug_log.h"
+#include "base/system_error.h"
+#include "format/compile.h"
+#include "format/format.h"
+#include "format/literals.h"
+#include "localisation/string_tables.h"
+#include "ports/serial_ports.h"
+#include "resource.h"
+#include "string_ids.h"
+#include "ui/controls.h"
+#include "ui/dialog_layout.h"
+#include "ui/dpi.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tidelink {
+namespace {
+
+using namespace fmtkit::literals;
+using namespace girder::ui;
+
+constexpr std::u16string_view built_in_language = u"en";
+constexpr std::u16string_view built_in_language_name = u"English";
+
+struct share_button {
+    int control;
+    share_mode mode;
+};
+
+/// In the order in which they are looked at.
+constexpr share_button share_buttons[] = {{IDC_SHARE_ALL, share_mode::all_ports},
+                                          {IDC_SHARE_SELECTED, share_mode::listed_ports}};
+
+struct control_text {
+    int control;
+    std::uint32_t id;
+};
+
+constexpr control_text control_texts[] = {
+    {IDC_START, string_id::start},
+    {IDC_STOP, string_id::stop},
+    {IDC_SETTINGS_FRAME, string_id::settings},
+    {IDC_SHARE_ALL, string_id::share_all_ports},
+    {IDC_SHARE_SELECTED, string_id::share_following_ports},
+    {IDC_AUTO_DISCOVERY, string_id::enable_auto_discovery},
+    {IDC_SECURITY, string_id::security},
+    {IDC_ABOUT, string_id::about},
+    {IDOK, string_id::ok},
+    {IDCANCEL, string_id::cancel},
+    {IDC_APPLY, string_id::apply},
+};
+
+/// Present in the window, and without a command behind them yet.
+constexpr int unavailable_controls[] = {IDC_START, IDC_STOP, IDC_SECURITY, IDC_ABOUT};
+
+std::vector<std::u16string> names_of(const std::vector<LoadFailure>& failures)
+{
+    std::vector<std::u16string> names;
+    for (const LoadFailure& failure : failures)
+        if (!failure.name.empty())
+            names.push_back(failure.name);
+    return names;
+}
+
+template <typename Items, typename ToText>
+std::u16string joined(const Items& items, ToText to_text)
+{
+    std::u16string text;
+    for (const auto& item : items) {
+        if (!text.empty())
+            text += u", ";
+        text += to_text(item);
+    }
+    return text;
+}
+
+} // namespace
+
+constexpr command_route<ConfigDialog> ConfigDialog::commands[] = {
+    {IDOK, BN_CLICKED, &ConfigDialog::on_ok},
+    {IDCANCEL, BN_CLICKED, &ConfigDialog::on_cancel},
+    {IDC_APPLY, BN_CLICKED, &ConfigDialog::on_apply},
+    {IDC_SHARE_ALL, BN_CLICKED, &ConfigDialog::on_share_mode_selected},
+    {IDC_SHARE_SELECTED, BN_CLICKED, &ConfigDialog::on_share_mode_selected},
+    {IDC_AUTO_DISCOVERY, BN_CLICKED, &ConfigDialog::on_changed},
+    {IDC_LANGUAGE, CBN_SELCHANGE, &ConfigDialog::on_language_selected},
+};
+
+ConfigDialog::ConfigDialog(girder::ui_thread& thread, restart_request& restart)
+    : ConfigDialog(thread, restart, LoadSettingsTolerantly())
+{}
+
+ConfigDialog::ConfigDialog(girder::ui_thread& thread, restart_request& restart, LoadedSettings loaded)
+    : thread_(thread), restart_(restart), failures_(std::move(loaded.failures)),
+      model_(std::move(loaded.settings), names_of(failures_))
+{
+    set_command_message(messages().process_command);
+    tidelink::initialise();
+}
+
+void ConfigDialog::create()
+{
+    create_modeless(IDD_CONFIG, nullptr, "CreateDialogParam failed for main dialog");
+}
+
+bool ConfigDialog::on_initialise()
+{
+    check_list::set_up(control(IDC_PORTS));
+    set_texts();
+    fill_languages();
+    set_checked_button(control(IDC_AUTO_DISCOVERY), model_.settings().autoDiscovery);
+    for (const auto& [id, mode] : share_buttons)
+        set_checked_button(control(id), mode == model_.initial_share_mode());
+    fill_ports();
+    model_.clear_dirty();
+    show_dirty();
+    show_service_state();
+    enable_list_by_share_mode();
+    lay_out(::GetDpiForWindow(window()));
+    if (!failures_.empty())
+        thread_.post([this] { show_load_failures(); });
+    // The status comes first in the tab order, but what an administrator is here for is the choice of ports.
+    ::SetFocus(control(model_.initial_share_mode() == share_mode::all_ports ? IDC_SHARE_ALL : IDC_SHARE_SELECTED));
+    return false;
+}
+
+void ConfigDialog::set_texts()
+{
+    for (const auto& [id, string] : control_texts)
+        set_window_text(control(id), text(string));
+    set_window_text(control(IDC_STATUS_LABEL), fmtkit::format(u"{}:"_fmt, text(string_id::status)));
+    for (const int id : unavailable_controls)
+        set_enabled(control(id), false);
+}
+
+void ConfigDialog::fill_languages()
+{
+    const HWND combo = control(IDC_LANGUAGE);
+    languages_.emplace_back(built_in_language);
+    add_combo_entry(combo, built_in_language_name, 0);
+    select_combo_entry(combo, 0);
+}
+
+void ConfigDialog::fill_ports()
+{
+    for (const port_row& row : model_.rows_of(EnumerateSerialPorts()))
+        check_list::append(control(IDC_PORTS), row.text, row.number, row.checked);
+}
+
+void ConfigDialog::show_service_state()
+{
+    constexpr std::uint32_t unknown = 4;
+    set_window_text(control(IDC_STATUS), item(string_id::service_status, unknown));
+}
+
+box ConfigDialog::layout(const control_measure& measure) const
+{
+    return config_dialog_layout(measure);
+}
+
+void ConfigDialog::on_laid_out()
+{
+    check_list::fit_column(control(IDC_PORTS));
+}
+
+void ConfigDialog::show_load_failures()
+{
+    const auto line_format = fmtkit::compile(text(string_id::load_failure_line));
+    std::u16string message(text(string_id::load_failures));
+    for (const LoadFailure& failure : failures_) {
+        message += u'\n';
+        if (!failure.name.empty())
+            message += fmtkit::format(line_format, failure.name, failure.text);
+        else
+            message += failure.code != 0 ? system_error_text(failure.code) : failure.text;
+    }
+    show_operation_error(window(), message);
+}
+
+bool ConfigDialog::on_command(WPARAM command, LPARAM)
+{
+    return route_command<ConfigDialog>(*this, commands, command);
+}
+
+bool ConfigDialog::on_notify(const NMHDR& notification, LRESULT&)
+{
+    if (notification.idFrom != IDC_PORTS || notification.code != static_cast<UINT>(LVN_ITEMCHANGED))
+        return false;
+    const auto& change = reinterpret_cast<const NMLISTVIEW&>(notification);
+    if ((change.uChanged & LVIF_STATE) != 0 && check_mark_changed(change.uOldState, change.uNewState))
+        on_changed();
+    return false;
+}
+
+bool ConfigDialog::on_message(UINT message, WPARAM, LPARAM, LRESULT&)
+{
+    switch (message) {
+    case WM_CLOSE:
+        on_cancel();
+        return true;
+    case WM_DESTROY:
+        ::PostQuitMessage(0);
+        return true;
+    default:
+        return false;
+    }
+}
+
+void ConfigDialog::on_error(std::exception_ptr error) noexcept
+{
+    try {
+        std::rethrow_exception(std::move(error));
+    } catch (const std::exception& failure) {
+        const auto* const failed_call = dynamic_cast<const girder::system_error*>(&failure);
+        const std::u16string shown = error_text(failure);
+        girder::log_failure(
+            {.code = failed_call ? failed_call->code() : 0, .message = shown, .context = failure.what()});
+        show_operation_error(window(), shown);
+    }
+}
+
+void ConfigDialog::on_ok()
+{
+    if (ApplySettings())
+        ::DestroyWindow(window());
+}
+
+void ConfigDialog::on_cancel()
+{
+    ::DestroyWindow(window());
+}
+
+void ConfigDialog::on_apply()
+{
+    ApplySettings();
+}
+
+void ConfigDialog::on_share_mode_selected()
+{
+    on_changed();
+    enable_list_by_share_mode();
+}
+
+void ConfigDialog::on_changed()
+{
+    model_.touch();
+    show_dirty();
+}
+
+void ConfigDialog::on_language_selected()
+{
+    const std::ptrdiff_t selected = selected_combo_index(control(IDC_LANGUAGE));
+    if (selected < 0 || !model_.choose_language(languages_[static_cast<std::size_t>(selected)]))
+        return;
+    show_dirty();
+    if (!offer_restart())
+        return;
+    restart_.set();
+    bool saved = false;
+    try {
+        saved = ApplySettings();
+    } catch (...) {
+        restart_.clear();
+        throw;
+    }
+    if (saved)
+        ::PostMessageW(window(), WM_CLOSE, 0, 0);
+    else
+        restart_.clear();
+}
+
+bool ConfigDialog::offer_restart()
+{
+    const std::u16string question =
+        fmtkit::format(fmtkit::compile(text(string_id::restart_question)), text(string_id::product_name));
+    return ask_yes_no(window(), text(string_id::product_name), question, message_icon::question);
+}
+
+bool ConfigDialog::ApplySettings()
+{
+    if (!model_.dirty())
+        return true;
+    ServerSettings next = model_.collect(read_controls());
+    if (!confirm(model_.confirmations_for(next)))
+        return false;
+    model_.accept(std::move(next));
+    show_dirty();
+    SaveSettings(model_.settings());
+    return true;
+}
+
+bool ConfigDialog::confirm(const save_confirmations& needed)
+{
+    const auto ask = [this](std::uint32_t question, const std::u16string& names) {
+        return ask_yes_no(window(), text(string_id::product_name),
+                          fmtkit::format(fmtkit::compile(text(question)), names), message_icon::warning);
+    };
+    if (!needed.replaced_values.empty() &&
+        !ask(string_id::replace_unread_settings,
+             joined(needed.replaced_values, [](const std::u16string& name) { return name; })))
+        return false;
+    return needed.dropped_ports.empty() ||
+           ask(string_id::drop_absent_ports,
+               joined(needed.dropped_ports, [](std::uint32_t port) { return fmtkit::format(u"COM{}"_fmt, port); }));
+}
+
+std::optional<share_mode> ConfigDialog::checked_share_mode() const
+{
+    for (const auto& [id, mode] : share_buttons)
+        if (is_checked_button(control(id)))
+            return mode;
+    return std::nullopt;
+}
+
+control_state ConfigDialog::read_controls() const
+{
+    control_state state{.auto_discovery = is_checked_button(control(IDC_AUTO_DISCOVERY)),
+                        .share = checked_share_mode(),
+                        .checked_ports = {}};
+    const HWND list = control(IDC_PORTS);
+    for (int i = 0; i < check_list::count(list); ++i)
+        if (is_checked(check_list::state_image(list, i)))
+            state.checked_ports.push_back(check_list::parameter(list, i));
+    return state;
+}
+
+void ConfigDialog::enable_list_by_share_mode()
+{
+    set_enabled(control(IDC_PORTS), checked_share_mode() == share_mode::listed_ports);
+}
+
+void ConfigDialog::show_dirty()
+{
+    set_enabled(control(IDC_APPLY), model_.dirty());
+}
+
+} // namespace tidelink

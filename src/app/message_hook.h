@@ -1,0 +1,31 @@
+#pragma once
+
+#include "async/ui_thread.h"
+#include "base/unique_handle.h"
+
+#include <windows.h>
+
+namespace tidelink {
+
+/// While it lives, callables posted to the user-interface thread run whenever a message is taken from that thread's
+/// queue: in the program's own loop and inside every modal loop. One at a time, created and destroyed on that thread.
+class message_hook {
+public:
+    /// \param thread  outlives the hook
+    /// \throws girder::system_error
+    explicit message_hook(girder::ui_thread& thread);
+    message_hook(const message_hook&) = delete;
+    message_hook& operator=(const message_hook&) = delete;
+    ~message_hook();
+
+private:
+    struct hook_traits {
+        using raw_type = HHOOK;
+        static constexpr raw_type empty() noexcept { return nullptr; }
+        static void close(raw_type hook) noexcept { ::UnhookWindowsHookEx(hook); }
+    };
+
+    girder::unique_handle<hook_traits> hook_;
+};
+
+} // namespace tidelink
