@@ -1,14 +1,14 @@
 #include "registry/stored_value.h"
 
-#include "base/utf.h"
 #include "registry/date_text.h"
 #include "registry/guid_text.h"
+#include "registry/real_text.h"
 #include "serialisation/load_exception.h"
 
 #include <windows.h>
 
-#include <charconv>
 #include <cstring>
+#include <optional>
 
 namespace girder::registry_ex {
 namespace {
@@ -46,16 +46,12 @@ Number number_in(const std::vector<std::byte>& data)
     return number;
 }
 
-/// A text that a number was written as, of any size that the shortest form can have.
 template <typename Real>
-Real parse_real(const std::u16string& text)
+Real real_in(const std::u16string& text)
 {
-    const std::string narrow = to_utf8(text);
-    Real value = 0;
-    const auto [end, error] = std::from_chars(narrow.data(), narrow.data() + narrow.size(), value);
-    if (error != std::errc() || end != narrow.data() + narrow.size())
-        refuse(nsm::details::bad_format);
-    return value;
+    if (const std::optional<Real> parsed = parse_real<Real>(text))
+        return *parsed;
+    refuse(nsm::details::bad_format);
 }
 
 } // namespace
@@ -120,7 +116,7 @@ double stored_value::as_double() const
     if (is_number_type(type))
         return static_cast<double>(as_signed());
     expect_kind(type == REG_SZ, type, nsm::details::number_expected);
-    return parse_real<double>(as_string());
+    return real_in<double>(as_string());
 }
 
 float stored_value::as_float() const
@@ -128,7 +124,7 @@ float stored_value::as_float() const
     if (is_number_type(type))
         return static_cast<float>(as_signed());
     expect_kind(type == REG_SZ, type, nsm::details::number_expected);
-    return parse_real<float>(as_string());
+    return real_in<float>(as_string());
 }
 
 bool stored_value::as_boolean() const

@@ -6,25 +6,13 @@
 #include "format/literals.h"
 #include "registry/create_key.h"
 #include "registry/guid_text.h"
+#include "registry/real_text.h"
 
-#include <charconv>
 #include <limits>
 #include <utility>
 
 namespace girder::registry_ex {
-namespace {
-
 using namespace fmtkit::literals;
-
-template <typename Real>
-std::u16string shortest_text(Real value)
-{
-    char buffer[64];
-    const auto [end, error] = std::to_chars(std::begin(buffer), std::end(buffer), value);
-    return to_utf16({buffer, end});
-}
-
-} // namespace
 
 RegistryValueWriter::RegistryValueWriter(unique_registry_key root, const options& options) : options_(options)
 {
@@ -58,12 +46,12 @@ void RegistryValueWriter::write_signed(nsm::value_name name, std::int64_t value)
 
 void RegistryValueWriter::write_double(nsm::value_name name, double value)
 {
-    set_text(name, shortest_text(value));
+    set_text(name, to_text(value));
 }
 
 void RegistryValueWriter::write_float(nsm::value_name name, float value)
 {
-    set_text(name, shortest_text(value));
+    set_text(name, to_text(value));
 }
 
 void RegistryValueWriter::write_boolean(nsm::value_name name, bool value)

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace girder::registry_ex {
+
+/// The decimal text of the fewest significant digits that reads back as the same value: "0.1", "1e+22", "-inf", "nan".
+std::u16string to_text(double value);
+std::u16string to_text(float value);
+
+/// Empty when the text is not wholly a decimal number, or out of range.
+template <typename Real>
+std::optional<Real> parse_real(const std::u16string& text);
+
+} // namespace girder::registry_ex
