@@ -15,7 +15,6 @@ constexpr int button_height = 14;
 constexpr int button_padding = 6;
 constexpr int mark_height = 10;
 constexpr int mark_gap = 3;
-constexpr int edit_height = 13;
 constexpr int edit_margin = 3;
 constexpr int row_height = 10;
 constexpr int least_rows = 3;
@@ -32,6 +31,18 @@ std::u16string combo_entry(HWND combo, WPARAM position)
     ::SendMessageW(combo, CB_GETLBTEXT, position, reinterpret_cast<LPARAM>(text.data()));
     text.pop_back();
     return text;
+}
+
+/// How far below its top edge a one-line edit draws its text: it does not centre it.
+int text_top(HWND edit)
+{
+    RECT outer{};
+    RECT client{};
+    RECT text{};
+    ::GetWindowRect(edit, &outer);
+    ::GetClientRect(edit, &client);
+    ::SendMessageW(edit, EM_GETRECT, 0, reinterpret_cast<LPARAM>(&text));
+    return static_cast<int>(text.top + ((outer.bottom - outer.top) - client.bottom) / 2);
 }
 
 } // namespace
@@ -79,9 +90,11 @@ box control_measure::wrapped_text(int id, int widest) const
 
 box control_measure::edit(int id, int characters) const
 {
-    const int text = text_.line(window_text(control(id))).width + 2 * units_.horizontal(edit_margin);
-    return control_box(id, {.width = std::max(units_.horizontal(characters * average_character), text),
-                            .height = units_.vertical(edit_height)});
+    const HWND edit = control(id);
+    const extent text = text_.line(window_text(edit));
+    const int wanted = units_.horizontal(characters * average_character);
+    return control_box(id, {.width = std::max(wanted, text.width + 2 * units_.horizontal(edit_margin)),
+                            .height = text_.line(u" ").height + 2 * text_top(edit)});
 }
 
 box control_measure::drop_down_list(int id) const

@@ -72,9 +72,10 @@ std::u16string without_mnemonic(std::u16string_view text)
 {
     std::u16string plain;
     for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == u'&' && ++i == text.size())
-            break;
-        plain += text[i];
+        if (text[i] == u'&')
+            ++i;
+        if (i < text.size())
+            plain += text[i];
     }
     return plain;
 }
