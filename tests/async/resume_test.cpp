@@ -3,6 +3,7 @@
 #include "base/handles.h"
 #include "base/win32_error.h"
 #include "support/detached.h"
+#include "support/handle_count.h"
 
 #include <gtest/gtest.h>
 
@@ -121,8 +122,7 @@ TEST(resume_test, cancelling_races_with_the_end_of_the_wait_and_resumes_once)
 TEST(resume_test, abandoning_a_suspended_wait_takes_it_back)
 {
     const unique_kernel_handle event = make_event();
-    DWORD handles_before = 0;
-    ::GetProcessHandleCount(::GetCurrentProcess(), &handles_before);
+    const std::size_t handles_before = support::handle_count();
     for (int round = 0; round < 100; ++round) {
         outcome result;
         {
@@ -131,9 +131,7 @@ TEST(resume_test, abandoning_a_suspended_wait_takes_it_back)
         }
         EXPECT_EQ(::WaitForSingleObject(result.done.get(), 0), DWORD{WAIT_TIMEOUT});
     }
-    DWORD handles_after = 0;
-    ::GetProcessHandleCount(::GetCurrentProcess(), &handles_after);
-    EXPECT_LE(handles_after, handles_before + 8);
+    EXPECT_LE(support::handle_count(), handles_before + 8);
 }
 
 TEST(resume_test, errors_of_pool_threads_reach_the_user_interface_thread_unchanged)

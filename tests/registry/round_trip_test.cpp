@@ -2,6 +2,7 @@
 #include "registry/key_store.h"
 #include "serialisation/field_values.h"
 #include "serialisation/load_exception.h"
+#include "support/handle_count.h"
 #include "support/scratch_hive.h"
 
 #include <gmock/gmock.h>
@@ -212,11 +213,6 @@ TEST_F(registry_test, a_subkey_that_cannot_be_created_is_an_error_with_its_code)
 
 TEST_F(registry_test, reading_then_writing_leaks_no_handle)
 {
-    const auto handles = [] {
-        DWORD count = 0;
-        ::GetProcessHandleCount(::GetCurrentProcess(), &count);
-        return count;
-    };
     const auto use = [this] {
         RegistryKeyStore used = store();
         used.open_for_reading();
@@ -224,10 +220,10 @@ TEST_F(registry_test, reading_then_writing_leaks_no_handle)
         writer->begin_array("left open", 1);
     };
     use();
-    const DWORD before = handles();
+    const std::size_t before = support::handle_count();
     for (int i = 0; i < 50; ++i)
         use();
-    EXPECT_EQ(handles(), before);
+    EXPECT_EQ(support::handle_count(), before);
 }
 
 } // namespace

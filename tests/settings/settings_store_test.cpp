@@ -3,6 +3,7 @@
 #include "base/wide.h"
 #include "service/reload_event.h"
 #include "settings/settings_store.h"
+#include "support/handle_count.h"
 #include "support/scratch_hive.h"
 
 #include <windows.h>
@@ -129,20 +130,15 @@ TEST_F(settings_store_test, a_key_that_cannot_be_opened_is_reported_with_its_cod
 
 TEST_F(settings_store_test, nothing_leaks)
 {
-    const auto handles = [] {
-        DWORD count = 0;
-        ::GetProcessHandleCount(::GetCurrentProcess(), &count);
-        return count;
-    };
     ServerSettings settings = DefaultServerSettings();
     settings.sharedPorts = {3};
     SaveSettings(settings);
-    const DWORD before = handles();
+    const std::size_t before = support::handle_count();
     for (int i = 0; i < 50; ++i) {
         SaveSettings(settings);
         LoadSettings();
     }
-    EXPECT_EQ(handles(), before);
+    EXPECT_EQ(support::handle_count(), before);
 }
 
 } // namespace
