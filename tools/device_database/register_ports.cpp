@@ -7,8 +7,8 @@
 #include "base/wide.h"
 #include "device_database/device_database.h"
 
-#include <cstdio>
 #include <cstdlib>
+#include <iostream>
 
 int wmain(int argc, wchar_t** argv)
 try {
@@ -17,7 +17,6 @@ try {
         device_database::add_port(girder::as_utf16(argv[i]), girder::as_utf16(argv[i + 1]));
     return EXIT_SUCCESS;
 } catch (const girder::system_error& error) {
-    std::fprintf(stderr, "register_ports: %s failed with code %lu\n", error.what(),
-                 static_cast<unsigned long>(error.code()));
+    std::cerr << "register_ports: " << error.what() << " failed with code " << error.code() << '\n';
     return EXIT_FAILURE;
 }

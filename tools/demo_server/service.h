@@ -1,0 +1,10 @@
+#pragma once
+
+namespace demo_server {
+
+/// Serves under the service manager until it asks for the end.
+/// \return false when this process was not started by the service manager
+/// \throws girder::system_error
+bool run_as_service();
+
+} // namespace demo_server
