@@ -1,0 +1,26 @@
+#pragma once
+
+#include "device_database/device_database.h"
+#include "settings_key.h"
+#include "utility.h"
+
+#include <gmock/gmock.h>
+
+#include <string>
+
+namespace e2e {
+
+/// A machine with the ports COM1, COM3, COM7 and COM10, and nothing stored.
+class machine_test : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        settings_key::remove();
+        device_database::remove_port_devices();
+        for (const std::u16string port : {u"COM10", u"COM3", u"COM7"})
+            device_database::add_port(port, u"USB Serial Port (" + port + u")");
+        device_database::add_port(u"COM1", u"Communications Port (COM1)");
+    }
+};
+
+} // namespace e2e

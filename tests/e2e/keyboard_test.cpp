@@ -1,0 +1,95 @@
+#include "fixture.h"
+#include "ui_driver/keyboard.h"
+#include "ui_driver/polling.h"
+
+namespace {
+
+using namespace e2e;
+using testing::ElementsAre;
+using testing::Pair;
+using ui_driver::eventually;
+using ui_driver::press_key;
+
+class keyboard_test : public machine_test {
+protected:
+    /// A running program whose main window has the keyboard.
+    struct active_utility : utility {
+        active_utility()
+        {
+            const HWND main = window().handle();
+            ::SetForegroundWindow(main);
+            EXPECT_TRUE(eventually([&] { return ::GetForegroundWindow() == main && window().focused() != 0; }));
+        }
+
+        /// Presses the key until the focus is on that control; false after a whole round without it.
+        bool move_focus_to(int control, WORD key, std::initializer_list<WORD> modifiers = {}) const
+        {
+            constexpr int more_than_a_round = 20;
+            for (int i = 0; i < more_than_a_round; ++i) {
+                const int from = window().focused();
+                if (from == control)
+                    return true;
+                press_key(key, modifiers);
+                if (!eventually([&] { return window().focused() != from; }))
+                    return false;
+            }
+            return false;
+        }
+    };
+};
+
+TEST_F(keyboard_test, the_typical_request_needs_no_mouse)
+{
+    const active_utility program;
+    ASSERT_TRUE(program.move_focus_to(id::share_all, VK_TAB));
+    press_key(VK_DOWN);
+    EXPECT_TRUE(eventually([&] { return program.control(id::share_selected).checked(); }));
+    EXPECT_TRUE(program.control(id::port_list).enabled());
+
+    ASSERT_TRUE(program.move_focus_to(id::port_list, VK_TAB));
+    const ui_driver::list_view list = program.list();
+    for (const auto& [row, key] : {std::pair(0, VK_HOME), std::pair(2, VK_DOWN), std::pair(3, VK_END)}) {
+        press_key(static_cast<WORD>(key));
+        if (key == VK_DOWN) {
+            EXPECT_TRUE(eventually([&] { return list.selected() == 1; }));
+            press_key(VK_DOWN);
+        }
+        ASSERT_TRUE(eventually([&] { return list.selected() == row; })) << row;
+        press_key(VK_SPACE);
+        ASSERT_TRUE(eventually([&] { return !list.checked(row); })) << row;
+    }
+    EXPECT_THAT(program.checked_ports(), ElementsAre(3));
+
+    ASSERT_TRUE(program.move_focus_to(id::apply, VK_TAB));
+    press_key(VK_SPACE);
+    EXPECT_TRUE(eventually([&] { return !program.apply_enabled(); }));
+    EXPECT_TRUE(eventually([&] { return program.window().focused() != 0 && program.window().focused() != id::apply; }))
+        << "the focus does not stay on a disabled button";
+    press_key(VK_RETURN);
+    EXPECT_EQ(program.exit_code(), 0U) << "Enter is OK";
+    EXPECT_THAT(settings_key::read(), ElementsAre(Pair(u"sharedPorts", ports({3}))));
+}
+
+TEST_F(keyboard_test, typing_finds_a_port)
+{
+    settings_key::write(u"sharedPorts", ports({3}));
+    const active_utility program;
+    ASSERT_TRUE(program.move_focus_to(id::port_list, VK_TAB));
+    press_key(VK_HOME);
+    ASSERT_TRUE(eventually([&] { return program.list().selected() == 0; }));
+    press_key('U');
+    EXPECT_TRUE(eventually([&] { return program.list().selected() == 1; })) << "the first name with a U";
+}
+
+TEST_F(keyboard_test, escape_cancels)
+{
+    const active_utility program;
+    ASSERT_TRUE(program.move_focus_to(id::auto_discovery, VK_TAB));
+    press_key(VK_SPACE);
+    EXPECT_TRUE(eventually([&] { return program.apply_enabled(); }));
+    press_key(VK_ESCAPE);
+    EXPECT_EQ(program.exit_code(), 0U);
+    EXPECT_FALSE(settings_key::exists() && !settings_key::read().empty());
+}
+
+} // namespace

@@ -1,0 +1,81 @@
+#include "fixture.h"
+#include "reload_listener.h"
+#include "support/handle_count.h"
+#include "ui_driver/polling.h"
+
+#include <algorithm>
+
+namespace {
+
+using namespace e2e;
+
+using process_test = machine_test;
+
+TEST_F(process_test, a_second_start_ends_at_once_and_brings_the_window_to_the_front)
+{
+    const utility first;
+    const ui_driver::dialog window = first.window();
+    ::ShowWindow(window.handle(), SW_MINIMIZE);
+
+    const utility second;
+    EXPECT_EQ(second.exit_code(), 0U);
+    EXPECT_TRUE(ui_driver::eventually([&] { return ::GetForegroundWindow() == window.handle(); }));
+    EXPECT_FALSE(::IsIconic(window.handle()));
+    EXPECT_EQ(ui_driver::find_dialogs(main_window_title).size(), 1U);
+    EXPECT_EQ(first.close(), 0U);
+}
+
+TEST_F(process_test, a_window_of_any_program_with_the_title_stops_the_start)
+{
+    const HWND other = ::CreateWindowExW(0, L"STATIC", L"Zelmark Tidelink Server Control", WS_OVERLAPPED, 0, 0, 9, 9,
+                                         nullptr, nullptr, nullptr, nullptr);
+    ASSERT_TRUE(other);
+    const utility program;
+    // The program activates the window, which asks this thread.
+    const auto ended = [&] {
+        MSG message;
+        while (::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
+            ::DispatchMessageW(&message);
+        return ::WaitForSingleObject(program.process(), 0) == WAIT_OBJECT_0;
+    };
+    EXPECT_TRUE(ui_driver::eventually(ended));
+    EXPECT_EQ(program.exit_code(), 0U);
+    ::DestroyWindow(other);
+}
+
+TEST_F(process_test, the_running_marker_lives_as_long_as_the_program)
+{
+    const auto marked = [] {
+        return static_cast<bool>(girder::unique_kernel_handle(
+            ::OpenMutexW(MUTEX_ALL_ACCESS, FALSE, L"Global\\Zelmarkco_TIDELINK_SERVER__Running_Mutex")));
+    };
+    EXPECT_FALSE(marked());
+    const utility program;
+    EXPECT_TRUE(program.window().exists());
+    EXPECT_TRUE(marked());
+    EXPECT_EQ(program.close(), 0U);
+    EXPECT_TRUE(ui_driver::eventually([&] { return !marked(); }));
+}
+
+TEST_F(process_test, handles_do_not_grow_over_200_saves)
+{
+    const reload_listener server;
+    const utility program;
+    const auto save_and_count_handles = [&] {
+        program.control(id::auto_discovery).click();
+        program.control(id::apply).click();
+        return support::handle_count(program.process_id());
+    };
+    std::size_t before = 0;
+    for (int warm_up = 0; warm_up < 10; ++warm_up)
+        before = std::max(before, save_and_count_handles());
+    ASSERT_GT(before, 0U);
+    std::size_t after = 0;
+    for (int save = 0; save < 200; ++save)
+        after = save_and_count_handles();
+    EXPECT_LE(after, before);
+    EXPECT_TRUE(server.heard(210));
+    EXPECT_EQ(program.close(), 0U);
+}
+
+} // namespace

@@ -1,0 +1,93 @@
+#include "utility.h"
+
+#include "base/utf.h"
+#include "base/wide.h"
+#include "base/win32_error.h"
+#include "ui_driver/polling.h"
+
+#include <algorithm>
+
+namespace e2e {
+
+using ui_driver::timed_out;
+
+std::u16string program_under_test;
+
+utility::utility()
+{
+    std::u16string command_line = u'"' + program_under_test + u"\" --handed to a restart";
+    STARTUPINFOW startup{};
+    startup.cb = sizeof startup;
+    PROCESS_INFORMATION started{};
+    if (!::CreateProcessW(nullptr, girder::as_wide(command_line.data()), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                          &startup, &started))
+        girder::throw_last_error("CreateProcessW");
+    process_.reset(started.hProcess);
+    id_ = started.dwProcessId;
+    ::CloseHandle(started.hThread);
+}
+
+utility::~utility()
+{
+    if (::WaitForSingleObject(process_.get(), 0) != WAIT_OBJECT_0) {
+        ::TerminateProcess(process_.get(), 1);
+        ::WaitForSingleObject(process_.get(), static_cast<DWORD>(ui_driver::patience.count()));
+    }
+}
+
+ui_driver::dialog utility::window() const
+{
+    return ui_driver::wait_for_dialog(main_window_title, id_);
+}
+
+std::vector<int> utility::checked_ports() const
+{
+    std::vector<int> numbers;
+    for (const ui_driver::list_row& row : list().rows())
+        if (row.checked)
+            numbers.push_back(static_cast<int>(row.parameter));
+    return numbers;
+}
+
+void utility::check_ports(const std::vector<int>& numbers) const
+{
+    int index = 0;
+    for (const ui_driver::list_row& row : list().rows()) {
+        if (row.checked != (std::ranges::find(numbers, row.parameter) != numbers.end()))
+            list().toggle(index);
+        ++index;
+    }
+}
+
+ui_driver::dialog utility::message(const char16_t* title) const
+{
+    return ui_driver::wait_for_dialog(title, id_);
+}
+
+std::string utility::text_of(const ui_driver::dialog& box)
+{
+    return girder::to_utf8(box.item(id::message_text).text());
+}
+
+void utility::answer(const ui_driver::dialog& box, int button)
+{
+    box.item(button).post_click();
+    box.wait_until_closed();
+}
+
+DWORD utility::exit_code() const
+{
+    if (::WaitForSingleObject(process_.get(), static_cast<DWORD>(ui_driver::patience.count())) != WAIT_OBJECT_0)
+        throw timed_out("the program does not end");
+    DWORD code = 0;
+    ::GetExitCodeProcess(process_.get(), &code);
+    return code;
+}
+
+DWORD utility::close() const
+{
+    window().post_close();
+    return exit_code();
+}
+
+} // namespace e2e
