@@ -1,3 +1,4 @@
+#include "looks.h"
 #include "support/cases.h"
 #include "test_dialogs.h"
 #include "ui/controls.h"
@@ -15,7 +16,10 @@
 namespace girder::ui {
 namespace {
 
+using support::drawn_size;
 using support::name_of_row;
+using support::place_of;
+using support::size_of;
 
 /// A dialog with one control of each kind, arranged like the program's own.
 class sample_dialog : public dialog {
@@ -60,19 +64,6 @@ private:
     std::u16string_view text_;
 };
 
-RECT place_in(const dialog& parent, int id)
-{
-    RECT place{};
-    ::GetWindowRect(parent.control(id), &place);
-    ::MapWindowPoints(nullptr, parent.window(), reinterpret_cast<POINT*>(&place), 2);
-    return place;
-}
-
-SIZE size_of(const RECT& place)
-{
-    return {.cx = place.right - place.left, .cy = place.bottom - place.top};
-}
-
 /// The size that a button asks for itself.
 SIZE ideal_size(HWND button)
 {
@@ -88,52 +79,23 @@ LOGFONTW font_of(HWND control)
     return description;
 }
 
-/// The width of the control's text in the font that the control has.
-int text_width(HWND control, UINT flags = 0)
-{
-    const HDC screen = ::GetDC(control);
-    const HGDIOBJ previous = ::SelectObject(screen, reinterpret_cast<HFONT>(::SendMessageW(control, WM_GETFONT, 0, 0)));
-    RECT bounds{};
-    const std::u16string text = window_text(control);
-    ::DrawTextW(screen, reinterpret_cast<const wchar_t*>(text.c_str()), -1, &bounds, DT_CALCRECT | flags);
-    ::SelectObject(screen, previous);
-    ::ReleaseDC(control, screen);
-    return bounds.right;
-}
-
 void expect_nothing_clipped(const sample_dialog& dialog)
 {
     for (const int id : {IDC_RADIO, IDC_CHECK, IDC_PUSH, IDOK, IDCANCEL}) {
-        const SIZE own = size_of(place_in(dialog, id));
+        const SIZE own = size_of(dialog.control(id));
         const SIZE ideal = ideal_size(dialog.control(id));
         EXPECT_GE(own.cx, ideal.cx) << id;
         EXPECT_GE(own.cy, ideal.cy) << id;
     }
-    EXPECT_GE(size_of(place_in(dialog, IDC_LABEL)).cx, text_width(dialog.control(IDC_LABEL)));
-    EXPECT_GT(size_of(place_in(dialog, IDC_GROUP)).cx, text_width(dialog.control(IDC_GROUP)));
+    for (const int id : {IDC_LABEL, IDC_GROUP})
+        EXPECT_GE(size_of(dialog.control(id)).cx, drawn_size(dialog.control(id), 0).cx);
 
     COMBOBOXINFO combo{};
     combo.cbSize = sizeof combo;
     ASSERT_TRUE(::GetComboBoxInfo(dialog.control(IDC_COMBO), &combo));
-    EXPECT_GE(size_of(combo.rcItem).cx, text_width(dialog.control(IDC_COMBO), DT_NOPREFIX));
-}
+    EXPECT_GE(combo.rcItem.right - combo.rcItem.left, drawn_size(dialog.control(IDC_COMBO), DT_NOPREFIX).cx);
 
-void expect_no_overlap(const sample_dialog& dialog)
-{
-    RECT inside{};
-    ::GetClientRect(dialog.window(), &inside);
-    constexpr int controls[] = {IDC_LABEL, IDC_EDIT, IDC_RADIO, IDC_CHECK, IDC_LIST,
-                                IDC_COMBO, IDC_PUSH, IDOK,      IDCANCEL};
-    for (const int id : controls) {
-        const RECT place = place_in(dialog, id);
-        RECT shared{};
-        ::IntersectRect(&shared, &place, &inside);
-        EXPECT_TRUE(::EqualRect(&shared, &place)) << id;
-        for (const int other : controls) {
-            const RECT other_place = place_in(dialog, other);
-            EXPECT_TRUE(id == other || !::IntersectRect(&shared, &place, &other_place)) << id << ' ' << other;
-        }
-    }
+    support::expect_tidy(dialog.window(), IDC_GROUP);
 }
 
 struct text_case {
@@ -157,7 +119,6 @@ TEST_P(dialog_layout_test, fits_its_texts_at_every_dpi)
         EXPECT_EQ(dialog.dpi(), dpi);
         EXPECT_EQ(font_of(dialog.control(IDC_LABEL)).lfHeight, -::MulDiv(8, static_cast<int>(dpi), 72));
         expect_nothing_clipped(dialog);
-        expect_no_overlap(dialog);
     }
     EXPECT_EQ(dialog.laid_out, 4);
 }
@@ -172,13 +133,6 @@ INSTANTIATE_TEST_SUITE_P(texts, dialog_layout_test,
                              {"japanese", u"\u6B21\u306E\u30DD\u30FC\u30C8\u3092\u5171\u6709\u3059\u308B"},
                          })),
                          name_of_row);
-
-RECT window_rect(const dialog& of)
-{
-    RECT place{};
-    ::GetWindowRect(of.window(), &place);
-    return place;
-}
 
 /// What the system sends when the window comes to a screen of another DPI.
 void change_dpi(const sample_dialog& dialog, UINT dpi, RECT suggested)
@@ -201,21 +155,21 @@ TEST(dpi_change_test, takes_the_suggested_corner_and_comes_back_to_the_old_size)
     EXPECT_EQ(dialog.dpi(), 0U) << "nothing to lay out yet";
 
     dialog.lay_out(96);
-    const RECT first = window_rect(dialog);
+    const RECT first = place_of(dialog.window());
+    const SIZE first_size = size_of(dialog.window());
     for (const int dpi : {122, 144, 192}) {
         SCOPED_TRACE(dpi);
         change_dpi(dialog, static_cast<UINT>(dpi), scaled(first, 96, dpi));
-        const RECT there = window_rect(dialog);
+        const RECT there = place_of(dialog.window());
         EXPECT_EQ(there.left, 40);
         EXPECT_EQ(there.top, 30);
         EXPECT_EQ(font_of(dialog.control(IDOK)).lfHeight, -::MulDiv(8, dpi, 72));
-        EXPECT_GE(size_of(there).cx, size_of(scaled(first, 96, dpi)).cx);
+        EXPECT_GE(there.right, scaled(first, 96, dpi).right);
         expect_nothing_clipped(dialog);
-        expect_no_overlap(dialog);
 
         change_dpi(dialog, 96, scaled(there, dpi, 96));
-        EXPECT_NEAR(size_of(window_rect(dialog)).cx, size_of(first).cx, size_of(first).cx / 20);
-        EXPECT_NEAR(size_of(window_rect(dialog)).cy, size_of(first).cy, size_of(first).cy / 20);
+        EXPECT_NEAR(size_of(dialog.window()).cx, first_size.cx, first_size.cx / 20);
+        EXPECT_NEAR(size_of(dialog.window()).cy, first_size.cy, first_size.cy / 20);
     }
 }
 
@@ -223,37 +177,32 @@ TEST(dpi_change_test, stays_the_same_for_the_dpi_it_has)
 {
     sample_dialog dialog(u"Enable auto-discovery");
     dialog.lay_out(144);
-    const RECT before = window_rect(dialog);
+    const RECT before = place_of(dialog.window());
     change_dpi(dialog, 144, {.left = 0, .top = 0, .right = 2000, .bottom = 2000});
-    const RECT after = window_rect(dialog);
+    const RECT after = place_of(dialog.window());
     EXPECT_TRUE(::EqualRect(&before, &after));
 }
 
 TEST(lay_out_test, dialog_never_exceeds_the_work_area)
 {
-    RECT work{};
-    ::SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
+    const RECT work = support::work_area();
     const std::u16string text(400, u'W');
     sample_dialog dialog(text);
     dialog.lay_out(192);
-    const RECT place = window_rect(dialog);
-    EXPECT_GE(place.left, work.left);
-    EXPECT_LE(place.right, work.right);
-    EXPECT_LE(place.bottom, work.bottom);
+    EXPECT_TRUE(support::is_inside(place_of(dialog.window()), work));
 }
 
 TEST(lay_out_test, list_gives_way_before_anything_leaves_the_screen)
 {
-    RECT work{};
-    ::SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
+    const RECT work = support::work_area();
     sample_dialog dialog(u"Share all ports");
     dialog.lay_out(96);
-    const int factor = 1 + work.bottom / size_of(window_rect(dialog)).cy;
-    const int scaled_list = size_of(place_in(dialog, IDC_LIST)).cy * factor;
+    const int factor = 1 + work.bottom / size_of(dialog.window()).cy;
+    const int scaled_list = size_of(dialog.control(IDC_LIST)).cy * factor;
     dialog.lay_out(static_cast<UINT>(96 * factor));
-    EXPECT_LT(size_of(place_in(dialog, IDC_LIST)).cy, scaled_list);
-    expect_no_overlap(dialog);
-    EXPECT_LE(window_rect(dialog).bottom, work.bottom);
+    EXPECT_LT(size_of(dialog.control(IDC_LIST)).cy, scaled_list);
+    support::expect_tidy(dialog.window(), IDC_GROUP);
+    EXPECT_LE(place_of(dialog.window()).bottom, work.bottom);
 }
 
 TEST(check_list_test, column_is_as_wide_as_the_list)
