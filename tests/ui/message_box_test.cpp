@@ -272,7 +272,7 @@ INSTANTIATE_TEST_SUITE_P(text, message_box_text_test,
                              {"short", u"Done."},
                              {"paragraph", repeated(u"The quick brown fox jumps over the lazy dog. ", 9)},
                              {"many_lines", repeated(u"sharedPorts: Bad format\n", 24)},
-                             {"one_long_word", repeated(u"C:\\no_blanks_in_this_path", 20)},
+                             {"one_long_word", repeated(u"0123456789abcdef", 30)},
                              {"long_text", repeated(u"W\u00E4hrend der Ausf\u00FChrung trat ein Fehler auf. ", 60)},
                          })),
                          name_of_row);
