@@ -64,6 +64,7 @@ int run_dialog(int show_command)
 
 } // namespace
 
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name): the system's header has its own style of names
 int WINAPI wWinMain(HINSTANCE, HINSTANCE, wchar_t*, int show_command)
 {
     // DLLs come from the system's folder alone, whatever lies beside the program.

@@ -18,7 +18,7 @@ std::u16string system_error_text(std::uint32_t code);
 std::u16string error_text(const std::exception& error);
 
 /// "Operation Error" with one OK button.
-void show_operation_error(HWND owner, std::u16string_view text);
+void show_operation_error(HWND owner, std::u16string_view message);
 
 /// A question with Yes and No. \return whether Yes was pressed; Esc and the close box mean No
 bool ask_yes_no(HWND owner, std::u16string_view title, std::u16string_view question, girder::ui::message_icon icon);

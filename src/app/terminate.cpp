@@ -4,6 +4,7 @@
 // that this program does not have, and its demangler alone takes 69 KiB.
 namespace __gnu_cxx {
 
+// NOLINTNEXTLINE(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp): the library's own name, to be replaced
 void __verbose_terminate_handler()
 {
     std::abort();

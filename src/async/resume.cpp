@@ -101,8 +101,8 @@ struct wait_functions {
 template <typename Pool>
 class pool_object {
 public:
-    pool_object(std::coroutine_handle<> operation, const cancellation& cancelled)
-        : resumption_(operation), object_(Pool::create(callback(), this)), cancelled_(cancelled)
+    pool_object(std::coroutine_handle<> operation, cancellation cancelled)
+        : resumption_(operation), object_(Pool::create(callback(), this)), cancelled_(std::move(cancelled))
     {}
 
     void start(typename Pool::target target)
@@ -252,7 +252,8 @@ void resume_background::await_suspend(std::coroutine_handle<> operation)
     };
     if (!::TrySubmitThreadpoolCallback(arrive, travelling.get(), nullptr))
         throw_last_error("TrySubmitThreadpoolCallback");
-    static_cast<void>(travelling.release());
+    // The callback owns it from here on.
+    [[maybe_unused]] const shared_hand_off* const carried = travelling.release();
 }
 
 resume_foreground::resume_foreground(ui_thread& thread) noexcept : thread_(thread)

@@ -4,7 +4,7 @@
 
 #include <windows.h>
 
-#include <time.h>
+#include <ctime>
 
 namespace fmtkit::details {
 namespace {
@@ -57,8 +57,8 @@ std::optional<local_time> to_local_time(std::int64_t seconds)
     std::tm read_as_utc = local.fields;
     local.offset_minutes = static_cast<int>((_mkgmtime64(&read_as_utc) - seconds) / 60);
     wchar_t name[64]{};
-    wcsftime(name, 64, L"%Z", &local.fields);
-    local.zone_name = girder::to_utf8(girder::as_utf16(name));
+    const std::size_t length = wcsftime(name, std::size(name), L"%Z", &local.fields);
+    local.zone_name = girder::to_utf8({girder::as_utf16(name), length});
     return local;
 }
 

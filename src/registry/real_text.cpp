@@ -26,7 +26,7 @@ std::optional<Real> parse(std::string_view text)
 std::string without_leading_exponent_zeros(std::string text)
 {
     const std::size_t exponent = text.find('e');
-    if (exponent == text.npos)
+    if (exponent == std::string::npos)
         return text;
     const std::size_t digits = exponent + 2;
     const std::size_t first = std::min(text.find_first_not_of('0', digits), text.size() - 1);

@@ -169,7 +169,7 @@ split_name split(std::u16string_view stored)
 {
     constexpr std::uint32_t highest_suffix = 15;
     const std::size_t at = stored.rfind(u'@');
-    if (at != stored.npos && at > 0) {
+    if (at != std::u16string_view::npos && at > 0) {
         const auto suffix = decimal(stored.substr(at + 1), 2);
         if (suffix && *suffix > 0 && *suffix <= highest_suffix)
             return {.text = to_utf8(stored.substr(0, at)), .suffix = *suffix};
