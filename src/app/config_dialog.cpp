@@ -337,6 +337,9 @@ void ConfigDialog::enable_list_by_share_mode()
 
 void ConfigDialog::show_dirty()
 {
+    // Apply is the last tab stop: its focus would go on to the status at the top.
+    if (!model_.dirty() && ::GetFocus() == control(IDC_APPLY))
+        ::SendMessageW(window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(control(IDOK)), TRUE);
     set_enabled(control(IDC_APPLY), model_.dirty());
 }
 
