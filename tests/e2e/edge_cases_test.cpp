@@ -103,6 +103,31 @@ TEST_F(edge_case_test, without_ports_the_list_is_empty_and_everything_else_works
     EXPECT_FALSE(program.apply_enabled());
 }
 
+TEST_F(edge_case_test, choosing_the_current_language_again_does_nothing)
+{
+    settings_key::write(u"language", text(u"en"));
+    const utility program;
+    const HWND combo = program.control(id::language).handle();
+    EXPECT_EQ(ui_driver::send(combo, CB_GETCURSEL), 0);
+    // Unanswered, a question would hold this up.
+    ui_driver::send(program.window().handle(), WM_COMMAND, MAKEWPARAM(id::language, CBN_SELCHANGE),
+                    reinterpret_cast<LPARAM>(combo));
+    EXPECT_FALSE(program.apply_enabled());
+}
+
+TEST_F(edge_case_test, answering_no_to_the_restart_leaves_the_change_to_apply)
+{
+    const utility program;
+    program.choose_language(0);
+    const ui_driver::dialog question = program.message(question_title);
+    EXPECT_EQ(utility::text_of(question), "You need to restart Tidelink Port Server to apply language change. Do you "
+                                          "want to restart now?");
+    utility::answer(question, id::no);
+    EXPECT_TRUE(program.apply_enabled());
+    EXPECT_THAT(settings_key::read(), IsEmpty());
+    EXPECT_EQ(program.close(), 0U);
+}
+
 class absent_port_test : public machine_test {
 protected:
     void SetUp() override

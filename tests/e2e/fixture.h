@@ -21,6 +21,7 @@ protected:
             device_database::add_port(port, u"USB Serial Port (" + port + u")");
         device_database::add_port(u"COM1", u"Communications Port (COM1)");
     }
+    void TearDown() override { settings_key::remove(); }
 };
 
 } // namespace e2e

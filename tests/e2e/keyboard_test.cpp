@@ -63,11 +63,30 @@ TEST_F(keyboard_test, the_typical_request_needs_no_mouse)
     ASSERT_TRUE(program.move_focus_to(id::apply, VK_TAB));
     press_key(VK_SPACE);
     EXPECT_TRUE(eventually([&] { return !program.apply_enabled(); }));
-    EXPECT_TRUE(eventually([&] { return program.window().focused() != 0 && program.window().focused() != id::apply; }))
+    EXPECT_TRUE(eventually([&] { return program.window().focused() == id::ok; }))
         << "the focus does not stay on a disabled button";
     press_key(VK_RETURN);
     EXPECT_EQ(program.exit_code(), 0U) << "Enter is OK";
     EXPECT_THAT(settings_key::read(), ElementsAre(Pair(u"sharedPorts", ports({3}))));
+}
+
+TEST_F(keyboard_test, tab_goes_through_the_window_from_top_to_bottom)
+{
+    settings_key::write(u"sharedPorts", ports({3}));
+    const active_utility program;
+    ASSERT_TRUE(program.move_focus_to(id::auto_discovery, VK_TAB));
+    press_key(VK_SPACE);
+    ASSERT_TRUE(eventually([&] { return program.apply_enabled(); }));
+    const ui_driver::dialog window = program.window();
+    std::vector<int> round;
+    do {
+        const int from = window.focused();
+        press_key(VK_TAB);
+        ASSERT_TRUE(eventually([&] { return window.focused() != from && window.focused() != 0; })) << from;
+        round.push_back(window.focused());
+    } while (round.back() != id::auto_discovery);
+    EXPECT_THAT(round, ElementsAre(id::language, id::ok, id::cancel, id::apply, id::status, id::share_selected,
+                                   id::port_list, id::auto_discovery));
 }
 
 TEST_F(keyboard_test, typing_finds_a_port)

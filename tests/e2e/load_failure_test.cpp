@@ -80,4 +80,40 @@ INSTANTIATE_TEST_SUITE_P(values, load_failure_test,
                          })),
                          support::name_of_row);
 
+using unreachable_key_test = machine_test;
+
+TEST_F(unreachable_key_test, a_save_that_fails_is_shown_and_keeps_the_window)
+{
+    const reload_listener server;
+    const utility program;
+    program.control(id::auto_discovery).click();
+    settings_key::block();
+    program.control(id::ok).post_click();
+    const ui_driver::dialog box = program.message(error_title);
+    EXPECT_THAT(utility::text_of(box), testing::Not(testing::IsEmpty()));
+    utility::answer(box, id::ok);
+    EXPECT_TRUE(server.heard(0));
+    EXPECT_FALSE(program.control(id::auto_discovery).checked());
+    EXPECT_FALSE(program.apply_enabled());
+
+    settings_key::remove();
+    program.control(id::share_selected).click();
+    program.control(id::ok).post_click();
+    EXPECT_EQ(program.exit_code(), 0U);
+    EXPECT_TRUE(server.heard(1));
+    EXPECT_THAT(settings_key::read(), testing::Contains(Pair(u"autoDiscovery", number(0))));
+}
+
+TEST_F(unreachable_key_test, a_key_that_cannot_be_opened_is_reported_and_the_defaults_are_shown)
+{
+    settings_key::block();
+    const utility program;
+    utility::answer(program.message(error_title), id::ok);
+    EXPECT_TRUE(program.control(id::share_all).checked());
+    EXPECT_TRUE(program.control(id::auto_discovery).checked());
+    EXPECT_THAT(program.checked_ports(), ElementsAre(1, 3, 7, 10));
+    EXPECT_FALSE(program.apply_enabled());
+    EXPECT_EQ(program.close(), 0U);
+}
+
 } // namespace

@@ -9,6 +9,7 @@
 namespace e2e {
 namespace {
 
+constexpr wchar_t maker_path[] = L"Software\\Zelmark";
 constexpr wchar_t path[] = L"Software\\Zelmark\\Tidelink Server 7.01";
 
 girder::unique_registry_key open_key()
@@ -48,7 +49,18 @@ stored_value ports(std::initializer_list<std::uint32_t> numbers)
 
 void settings_key::remove()
 {
-    ::RegDeleteTreeW(HKEY_LOCAL_MACHINE, path);
+    ::RegDeleteTreeW(HKEY_LOCAL_MACHINE, maker_path);
+}
+
+void settings_key::block()
+{
+    remove();
+    // A lasting key cannot be made below one that ends with the session.
+    girder::unique_registry_key parent;
+    const LSTATUS status = ::RegCreateKeyExW(HKEY_LOCAL_MACHINE, maker_path, 0, nullptr, REG_OPTION_VOLATILE, KEY_READ,
+                                             nullptr, parent.put(), nullptr);
+    if (status != ERROR_SUCCESS)
+        girder::throw_win32(static_cast<DWORD>(status), "RegCreateKeyExW");
 }
 
 bool settings_key::exists()

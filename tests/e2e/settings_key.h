@@ -29,8 +29,11 @@ using stored_values = std::map<std::u16string, stored_value>;
 
 namespace settings_key {
 
+/// Removes the key and what is beside it.
 void remove();
 bool exists();
+/// Removes the key and keeps it from being created until remove() is called.
+void block();
 /// Creates the key when it is missing.
 void write(const std::u16string& name, const stored_value& value);
 /// Every value below the key, none when it is missing. A subkey appears with its name and a backslash.

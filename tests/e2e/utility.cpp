@@ -12,6 +12,7 @@ namespace e2e {
 using ui_driver::timed_out;
 
 std::u16string program_under_test;
+std::u16string server_under_test;
 
 utility::utility()
 {
@@ -57,6 +58,14 @@ void utility::check_ports(const std::vector<int>& numbers) const
             list().toggle(index);
         ++index;
     }
+}
+
+void utility::choose_language(int entry) const
+{
+    const HWND combo = control(id::language).handle();
+    ui_driver::send(combo, CB_SETCURSEL, static_cast<WPARAM>(entry));
+    ::PostMessageW(window().handle(), WM_COMMAND, MAKEWPARAM(id::language, CBN_SELCHANGE),
+                   reinterpret_cast<LPARAM>(combo));
 }
 
 ui_driver::dialog utility::message(const char16_t* title) const

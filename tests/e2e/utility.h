@@ -11,6 +11,8 @@ namespace e2e {
 
 /// Full path of the program that the tests start.
 extern std::u16string program_under_test;
+/// Full path of the stand-in server that they install.
+extern std::u16string server_under_test;
 
 inline constexpr char16_t main_window_title[] = u"Zelmark Tidelink Server Control";
 inline constexpr char16_t error_title[] = u"Operation Error";
@@ -52,6 +54,8 @@ public:
     std::vector<int> checked_ports() const;
     /// Makes exactly these ports checked, with the mouse.
     void check_ports(const std::vector<int>& numbers) const;
+    /// Chooses an entry of the list of languages, without waiting for what follows.
+    void choose_language(int entry) const;
     bool apply_enabled() const { return control(id::apply).enabled(); }
 
     /// A box of this program, as soon as it is there. \throws ui_driver::timed_out
