@@ -1,6 +1,6 @@
 // Operates the main window of the utility from outside, for scripts:
 //
-//     ui_driver.exe wait               until the window is there
+//     ui_driver.exe wait               until the window is there, and brings it to the front
 //     ui_driver.exe ports              prints the port list, one row a line, and the share mode
 //     ui_driver.exe press ID           presses the button with that control id
 //     ui_driver.exe share-only NUMBER  unchecks every port but that one, with the mouse
