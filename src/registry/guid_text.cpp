@@ -1,33 +1,69 @@
 #include "registry/guid_text.h"
 
-#include "base/wide.h"
+#include "format/format.h"
+#include "format/literals.h"
 
-#include <windows.h>
-
-#include <objbase.h>
-
-#include <bit>
+#include <algorithm>
+#include <array>
+#include <cstdint>
 
 namespace girder::registry_ex {
+namespace {
 
-static_assert(sizeof(GUID) == sizeof(nsm::guid));
+using namespace fmtkit::literals;
+
+std::optional<unsigned> hex_digit(char16_t unit)
+{
+    if (unit >= u'0' && unit <= u'9')
+        return unit - u'0';
+    const char16_t lower = unit | 0x20;
+    if (lower >= u'a' && lower <= u'f')
+        return lower - u'a' + 10U;
+    return std::nullopt;
+}
+
+constexpr std::u16string_view pattern = u"{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}";
+
+} // namespace
 
 std::u16string to_text(const nsm::guid& value)
 {
-    constexpr int with_terminator = 39;
-    std::u16string text(with_terminator, u'\0');
-    ::StringFromGUID2(std::bit_cast<GUID>(value), as_wide(text.data()), with_terminator);
-    text.pop_back();
+    std::u16string text =
+        fmtkit::format(u"{{{0b16w8arf0}-{1b16w4arf0}-{2b16w4arf0}-"_fmt, value.data1, value.data2, value.data3);
+    for (std::size_t i = 0; i < value.data4.size(); ++i) {
+        if (i == 2)
+            text += u'-';
+        fmtkit::append(text, u"{0b16w2arf0}"_fmt, value.data4[i]);
+    }
+    text += u'}';
     return text;
 }
 
-std::optional<nsm::guid> parse_guid(const std::u16string& text)
+std::optional<nsm::guid> parse_guid(std::u16string_view text)
 {
-    CLSID parsed{};
-    // The function also takes names of registered classes, which are no GUIDs.
-    if (!text.starts_with(u'{') || FAILED(::CLSIDFromString(as_wide(text), &parsed)))
+    if (text.size() != pattern.size())
         return std::nullopt;
-    return std::bit_cast<nsm::guid>(parsed);
+    std::array<std::uint8_t, 16> bytes{};
+    std::size_t digits = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (pattern[i] != u'X') {
+            if (text[i] != pattern[i])
+                return std::nullopt;
+            continue;
+        }
+        const std::optional<unsigned> digit = hex_digit(text[i]);
+        if (!digit)
+            return std::nullopt;
+        bytes[digits / 2] = static_cast<std::uint8_t>(bytes[digits / 2] * 16U + *digit);
+        ++digits;
+    }
+    nsm::guid value;
+    for (std::size_t i = 0; i < 4; ++i)
+        value.data1 = (value.data1 << 8) | bytes[i];
+    value.data2 = static_cast<std::uint16_t>((bytes[4] << 8) | bytes[5]);
+    value.data3 = static_cast<std::uint16_t>((bytes[6] << 8) | bytes[7]);
+    std::copy_n(bytes.begin() + 8, 8, value.data4.begin());
+    return value;
 }
 
 } // namespace girder::registry_ex

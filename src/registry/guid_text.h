@@ -4,13 +4,14 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace girder::registry_ex {
 
-/// The braced form of 38 characters (StringFromGUID2).
+/// The braced form of 38 characters that StringFromGUID2 writes: {35B11BAB-5238-4E93-B06A-92332C5D20FA}.
 std::u16string to_text(const nsm::guid& value);
 
-/// Empty when the text is not such a form (CLSIDFromString).
-std::optional<nsm::guid> parse_guid(const std::u16string& text);
+/// Empty when the text is not such a form. Takes digits of both cases, like CLSIDFromString.
+std::optional<nsm::guid> parse_guid(std::u16string_view text);
 
 } // namespace girder::registry_ex

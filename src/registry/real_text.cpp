@@ -22,7 +22,7 @@ std::optional<Real> parse(std::string_view text)
     return value;
 }
 
-/// The C runtime writes exponents of three digits: 1e+022.
+/// C runtimes write exponents of two or three digits: 1e+022.
 std::string without_leading_exponent_zeros(std::string text)
 {
     const std::size_t exponent = text.find('e');
@@ -44,7 +44,7 @@ std::u16string shortest_text(Real value)
     std::string text;
     for (int digits = 1; digits <= std::numeric_limits<Real>::max_digits10; ++digits) {
         char buffer[32];
-        const int length = ::_snprintf(buffer, sizeof buffer, "%.*g", digits, static_cast<double>(value));
+        const int length = std::snprintf(buffer, sizeof buffer, "%.*g", digits, static_cast<double>(value));
         text = without_leading_exponent_zeros({buffer, static_cast<std::size_t>(length)});
         if (parse<Real>(text) == value)
             break;

@@ -5,8 +5,6 @@
 #include "registry/real_text.h"
 #include "serialisation/load_exception.h"
 
-#include <windows.h>
-
 #include <cstring>
 #include <optional>
 
@@ -22,13 +20,13 @@ using nsm::details::load_exception;
 
 bool is_number_type(std::uint32_t type)
 {
-    return type == REG_DWORD || type == REG_QWORD;
+    return type == value_type::dword || type == value_type::qword;
 }
 
 /// Whether values of the type are written by this layer at all.
 bool is_known_type(std::uint32_t type)
 {
-    return type == REG_SZ || type == REG_BINARY || is_number_type(type);
+    return type == value_type::text || type == value_type::binary || is_number_type(type);
 }
 
 /// Throws for a value that is not of the wanted kind.
@@ -58,17 +56,17 @@ Real real_in(const std::u16string& text)
 
 bool stored_value::is_null() const noexcept
 {
-    return type == REG_NONE && data.empty();
+    return type == value_type::none && data.empty();
 }
 
 bool stored_value::is_binary() const noexcept
 {
-    return type == REG_BINARY;
+    return type == value_type::binary;
 }
 
 file_time stored_value::as_date() const
 {
-    expect_kind(type == REG_SZ, type, nsm::details::date_expected);
+    expect_kind(type == value_type::text, type, nsm::details::date_expected);
     if (const auto parsed = parse_date(as_string()))
         return *parsed;
     refuse(nsm::details::bad_format);
@@ -76,7 +74,7 @@ file_time stored_value::as_date() const
 
 std::u16string stored_value::as_string() const
 {
-    expect_kind(type == REG_SZ, type, nsm::details::string_expected);
+    expect_kind(type == value_type::text, type, nsm::details::string_expected);
     if (data.size() % sizeof(char16_t) != 0)
         refuse(nsm::details::bad_format);
     std::u16string text(data.size() / sizeof(char16_t), u'\0');
@@ -98,9 +96,9 @@ nsm::guid stored_value::as_guid() const
 std::uint64_t stored_value::as_unsigned() const
 {
     expect_kind(is_number_type(type), type, nsm::details::number_expected);
-    if (type == REG_DWORD && data.size() == sizeof(std::uint32_t))
+    if (type == value_type::dword && data.size() == sizeof(std::uint32_t))
         return number_in<std::uint32_t>(data);
-    if (type == REG_QWORD && data.size() == sizeof(std::uint64_t))
+    if (type == value_type::qword && data.size() == sizeof(std::uint64_t))
         return number_in<std::uint64_t>(data);
     refuse(nsm::details::bad_format);
 }
@@ -108,14 +106,14 @@ std::uint64_t stored_value::as_unsigned() const
 std::int64_t stored_value::as_signed() const
 {
     const std::uint64_t number = as_unsigned();
-    return type == REG_DWORD ? static_cast<std::int32_t>(number) : static_cast<std::int64_t>(number);
+    return type == value_type::dword ? static_cast<std::int32_t>(number) : static_cast<std::int64_t>(number);
 }
 
 double stored_value::as_double() const
 {
     if (is_number_type(type))
         return static_cast<double>(as_signed());
-    expect_kind(type == REG_SZ, type, nsm::details::number_expected);
+    expect_kind(type == value_type::text, type, nsm::details::number_expected);
     return real_in<double>(as_string());
 }
 
@@ -123,7 +121,7 @@ float stored_value::as_float() const
 {
     if (is_number_type(type))
         return static_cast<float>(as_signed());
-    expect_kind(type == REG_SZ, type, nsm::details::number_expected);
+    expect_kind(type == value_type::text, type, nsm::details::number_expected);
     return real_in<float>(as_string());
 }
 
@@ -135,7 +133,7 @@ bool stored_value::as_boolean() const
 
 std::vector<std::byte> stored_value::as_binary() const
 {
-    expect_kind(type == REG_BINARY, type, nsm::details::array_expected);
+    expect_kind(type == value_type::binary, type, nsm::details::array_expected);
     return data;
 }
 

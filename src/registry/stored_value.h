@@ -10,6 +10,15 @@
 
 namespace girder::registry_ex {
 
+/// The registry's numbers for the types that this layer writes: REG_NONE, REG_SZ, REG_BINARY, REG_DWORD, REG_QWORD.
+namespace value_type {
+inline constexpr std::uint32_t none = 0;
+inline constexpr std::uint32_t text = 1;
+inline constexpr std::uint32_t binary = 3;
+inline constexpr std::uint32_t dword = 4;
+inline constexpr std::uint32_t qword = 11;
+} // namespace value_type
+
 /// What a registry value can be read as, decided from its type and bytes alone. The type decides the kind: REG_SZ is a
 /// text; REG_DWORD and REG_QWORD are a number and a truth value; REG_BINARY is bytes; empty REG_NONE is null. Each
 /// conversion throws nsm::details::load_exception: "... expected" for another kind, "Bad format" for a wrong size, any

@@ -1,11 +1,8 @@
-#include "base/handles.h"
 #include "registry/date_text.h"
 #include "registry/real_text.h"
 #include "registry/stored_value.h"
 #include "serialisation/load_exception.h"
 #include "support/cases.h"
-
-#include <windows.h>
 
 #include <bit>
 #include <functional>
@@ -17,8 +14,9 @@ namespace {
 using girder::nsm::details::load_exception;
 using girder::registry_ex::parse_date;
 using girder::registry_ex::stored_value;
+namespace value_type = girder::registry_ex::value_type;
 
-stored_value made(DWORD type, const void* data, std::size_t size)
+stored_value made(std::uint32_t type, const void* data, std::size_t size)
 {
     const auto* const bytes = static_cast<const std::byte*>(data);
     return {.type = type, .data = {bytes, bytes + size}};
@@ -26,10 +24,10 @@ stored_value made(DWORD type, const void* data, std::size_t size)
 
 stored_value text(std::u16string_view value)
 {
-    return made(REG_SZ, value.data(), value.size() * sizeof(char16_t));
+    return made(value_type::text, value.data(), value.size() * sizeof(char16_t));
 }
 
-stored_value number(DWORD type, std::uint64_t value, std::size_t size)
+stored_value number(std::uint32_t type, std::uint64_t value, std::size_t size)
 {
     return made(type, &value, size);
 }
@@ -63,24 +61,24 @@ const auto as_guid = [](const stored_value& value) { value.as_guid(); };
 
 INSTANTIATE_TEST_SUITE_P(values, refusal_test,
                          testing::ValuesIn(std::vector<refusal_case>{
-                             {"number_as_text", number(REG_DWORD, 1, 4), as_string, "String expected"},
-                             {"bytes_as_text", number(REG_BINARY, 1, 4), as_string, "String expected"},
+                             {"number_as_text", number(value_type::dword, 1, 4), as_string, "String expected"},
+                             {"bytes_as_text", number(value_type::binary, 1, 4), as_string, "String expected"},
                              {"other_type_as_text", text(u"a"),
                               [](stored_value v) {
-                                  v.type = REG_MULTI_SZ;
+                                  v.type = 7;
                                   v.as_string();
                               },
                               "Bad format"},
-                             {"text_of_half_a_character", number(REG_SZ, 65, 3), as_string, "Bad format"},
+                             {"text_of_half_a_character", number(value_type::text, 65, 3), as_string, "Bad format"},
                              {"text_as_boolean", text(u"1"), as_boolean, "Boolean expected"},
-                             {"short_number", number(REG_DWORD, 1, 3), as_boolean, "Bad format"},
-                             {"long_number", number(REG_QWORD, 1, 4), as_unsigned, "Bad format"},
-                             {"other_byte_order", number(REG_DWORD_BIG_ENDIAN, 1, 4), as_unsigned, "Bad format"},
+                             {"short_number", number(value_type::dword, 1, 3), as_boolean, "Bad format"},
+                             {"long_number", number(value_type::qword, 1, 4), as_unsigned, "Bad format"},
+                             {"other_byte_order", number(5, 1, 4), as_unsigned, "Bad format"},
                              {"text_as_number", text(u"1"), as_unsigned, "Number expected"},
                              {"no_real_number", text(u"1,5"), as_double, "Bad format"},
-                             {"number_as_bytes", number(REG_DWORD, 1, 4), as_binary, "Array expected"},
-                             {"null_as_bytes", number(REG_NONE, 0, 0), as_binary, "Bad format"},
-                             {"number_as_date", number(REG_DWORD, 1, 4), as_date, "Date expected"},
+                             {"number_as_bytes", number(value_type::dword, 1, 4), as_binary, "Array expected"},
+                             {"null_as_bytes", number(value_type::none, 0, 0), as_binary, "Bad format"},
+                             {"number_as_date", number(value_type::dword, 1, 4), as_date, "Date expected"},
                              {"no_date", text(u"2025-06-31T00:00:00"), as_date, "Bad format"},
                              {"no_guid", text(u"CLSID"), as_guid, "Bad format"},
                          }),
@@ -90,15 +88,15 @@ TEST(stored_value_test, texts_may_lack_their_terminating_null)
 {
     EXPECT_EQ(text(u"de").as_string(), u"de");
     EXPECT_EQ(text(std::u16string_view(u"de\0", 3)).as_string(), u"de");
-    EXPECT_EQ(made(REG_SZ, nullptr, 0).as_string(), u"");
+    EXPECT_EQ(made(value_type::text, nullptr, 0).as_string(), u"");
 }
 
 TEST(stored_value_test, numbers_of_both_sizes)
 {
-    EXPECT_EQ(number(REG_DWORD, 0xFFFFFFFF, 4).as_signed(), -1);
-    EXPECT_EQ(number(REG_DWORD, 0xFFFFFFFF, 4).as_unsigned(), 0xFFFFFFFFU);
-    EXPECT_TRUE(number(REG_QWORD, std::uint64_t{1} << 40, 8).as_boolean());
-    EXPECT_FALSE(number(REG_QWORD, 0, 8).as_boolean());
+    EXPECT_EQ(number(value_type::dword, 0xFFFFFFFF, 4).as_signed(), -1);
+    EXPECT_EQ(number(value_type::dword, 0xFFFFFFFF, 4).as_unsigned(), 0xFFFFFFFFU);
+    EXPECT_TRUE(number(value_type::qword, std::uint64_t{1} << 40, 8).as_boolean());
+    EXPECT_FALSE(number(value_type::qword, 0, 8).as_boolean());
 }
 
 TEST(real_text_test, is_the_shortest_that_reads_back)
