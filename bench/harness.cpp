@@ -11,7 +11,6 @@ namespace {
 
 using seconds = std::chrono::duration<double>;
 
-constexpr int checked_draws = 20;
 constexpr int warm_up_rounds = 5;
 
 double median(std::vector<double> values)
@@ -21,11 +20,14 @@ double median(std::vector<double> values)
     return *middle;
 }
 
-double time_of(const std::function<void()>& run)
+double time_of(const participant& timed)
 {
     const auto start = std::chrono::steady_clock::now();
-    run();
-    return seconds(std::chrono::steady_clock::now() - start).count();
+    timed.run();
+    const seconds taken = std::chrono::steady_clock::now() - start;
+    if (timed.finish)
+        timed.finish();
+    return taken.count();
 }
 
 std::vector<const participant*> participants_of(const comparison& works)
@@ -38,7 +40,7 @@ std::vector<const participant*> participants_of(const comparison& works)
 
 void check(const comparison& works, random_source& random)
 {
-    for (int draw = 0; draw < checked_draws; ++draw) {
+    for (int draw = 0; draw < works.checked_draws; ++draw) {
         works.draw(random);
         for (const participant* each : participants_of(works)) {
             if (!each->is_right()) {
@@ -59,7 +61,7 @@ std::vector<std::vector<double>> measure(const comparison& works, random_source&
         for (std::size_t turn = 0; turn < all.size(); ++turn) {
             // Whoever comes first pays for cold caches: take it in turns.
             const std::size_t index = (turn + static_cast<std::size_t>(round + warm_up_rounds)) % all.size();
-            const double time = time_of(all[index]->run);
+            const double time = time_of(*all[index]);
             if (round >= 0)
                 times[index].push_back(time);
         }

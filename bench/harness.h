@@ -27,6 +27,8 @@ struct participant {
     std::function<void()> run;
     /// Whether the results for the arguments drawn last are the expected ones. Not timed.
     std::function<bool()> is_right;
+    /// Clears up after `run`, untimed; may be empty.
+    std::function<void()> finish = {};
 };
 
 struct comparison {
@@ -35,6 +37,7 @@ struct comparison {
     participant subject; ///< ours
     std::vector<participant> peers;
     std::function<void(random_source&)> draw;
+    int checked_draws = 20;
     int rounds = 301;
 };
 
