@@ -169,8 +169,11 @@ void ConfigDialog::on_laid_out()
     check_list::fit_column(control(IDC_PORTS));
 }
 
-void ConfigDialog::show_load_failures()
-{
+void ConfigDialog::show_load_failures() noexcept
+try {
+    // The window may have been closed meanwhile.
+    if (!window())
+        return;
     const auto line_format = fmtkit::compile(text(string_id::load_failure_line));
     std::u16string message(text(string_id::load_failures));
     for (const LoadFailure& failure : failures_) {
@@ -181,6 +184,8 @@ void ConfigDialog::show_load_failures()
             message += failure.code != 0 ? system_error_text(failure.code) : failure.text;
     }
     show_operation_error(window(), message);
+} catch (...) {
+    on_error(std::current_exception());
 }
 
 bool ConfigDialog::on_command(WPARAM command, LPARAM)

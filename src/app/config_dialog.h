@@ -48,7 +48,7 @@ private:
     void fill_languages();
     void fill_ports();
     void show_service_state();
-    void show_load_failures();
+    void show_load_failures() noexcept;
 
     void on_ok();
     void on_cancel();
