@@ -12,7 +12,7 @@ export WINEDEBUG=${WINEDEBUG:--all}
 export WINEDLLOVERRIDES="mscoree=;mshtml=;winemenubuilder.exe=${WINEDLLOVERRIDES:+;$WINEDLLOVERRIDES}"
 export WINEARCH=win64
 # Texts of the system follow the locale, and the C runtime of Wine understands POSIX zone names only.
-export LC_ALL=${TIDELINK_LOCALE:-C}
+export LC_ALL=C
 export TZ=${TIDELINK_ZONE:-CET-1CEST}
 # The folders of the user inside a prefix are links into the home folder.
 export HOME=$prefixes/home
