@@ -22,7 +22,7 @@ std::optional<unsigned> hex_digit(char16_t unit)
     return std::nullopt;
 }
 
-constexpr std::u16string_view pattern = u"{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}";
+constexpr std::u16string_view pattern = u"{hhhhhhhh-hhhh-hhhh-hhhh-hhhhhhhhhhhh}";
 
 } // namespace
 
@@ -46,7 +46,7 @@ std::optional<nsm::guid> parse_guid(std::u16string_view text)
     std::array<std::uint8_t, 16> bytes{};
     std::size_t digits = 0;
     for (std::size_t i = 0; i < text.size(); ++i) {
-        if (pattern[i] != u'X') {
+        if (pattern[i] != u'h') {
             if (text[i] != pattern[i])
                 return std::nullopt;
             continue;

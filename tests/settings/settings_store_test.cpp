@@ -3,7 +3,6 @@
 #include "base/wide.h"
 #include "service/reload_event.h"
 #include "settings/settings_store.h"
-#include "support/handle_count.h"
 #include "support/scratch_hive.h"
 
 #include <windows.h>
@@ -126,19 +125,6 @@ TEST_F(settings_store_test, a_key_that_cannot_be_opened_is_reported_with_its_cod
     ASSERT_EQ(loaded.failures.size(), 1U);
     EXPECT_EQ(loaded.failures[0].name, u"");
     EXPECT_EQ(loaded.failures[0].code, std::uint32_t{ERROR_ACCESS_DENIED});
-}
-
-TEST_F(settings_store_test, nothing_leaks)
-{
-    ServerSettings settings = DefaultServerSettings();
-    settings.sharedPorts = {3};
-    SaveSettings(settings);
-    const std::size_t before = support::handle_count();
-    for (int i = 0; i < 50; ++i) {
-        SaveSettings(settings);
-        LoadSettings();
-    }
-    EXPECT_EQ(support::handle_count(), before);
 }
 
 } // namespace

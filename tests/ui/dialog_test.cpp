@@ -223,44 +223,6 @@ TEST(dialog_test, destroyed_object_takes_its_window_along)
     EXPECT_FALSE(::IsWindow(window));
 }
 
-TEST(controls_test, texts_have_any_length)
-{
-    probe dialog;
-    dialog.open();
-    const std::u16string text(100'000, u'x');
-    set_window_text(dialog.control(IDC_EDIT), text);
-    EXPECT_EQ(window_text(dialog.control(IDC_EDIT)), text);
-    set_window_text(dialog.control(IDC_EDIT), std::u16string_view(text).substr(0, 3));
-    EXPECT_EQ(window_text(dialog.control(IDC_EDIT)), u"xxx");
-}
-
-TEST(controls_test, check_list_keeps_marks_and_parameters)
-{
-    probe dialog;
-    dialog.open();
-    const HWND list = dialog.control(IDC_LIST);
-    check_list::set_up(list);
-    check_list::append(list, u"first", 4'000'000'000, true);
-    check_list::append(list, u"second", 7, false);
-    ASSERT_EQ(check_list::count(list), 2);
-    EXPECT_EQ(check_list::parameter(list, 0), 4'000'000'000);
-    EXPECT_EQ(check_list::parameter(list, 1), 7U);
-    EXPECT_EQ(check_list::state_image(list, 0), 2U);
-    EXPECT_EQ(check_list::state_image(list, 1), 1U);
-}
-
-TEST(controls_test, combo_entries_carry_their_index)
-{
-    probe dialog;
-    dialog.open();
-    const HWND combo = dialog.control(IDC_COMBO);
-    EXPECT_EQ(selected_combo_index(combo), -1);
-    add_combo_entry(combo, u"ten", 10);
-    add_combo_entry(combo, u"twenty", 20);
-    select_combo_entry(combo, 1);
-    EXPECT_EQ(selected_combo_index(combo), 20);
-}
-
 TEST(controls_test, disabling_the_focused_control_passes_the_focus_on)
 {
     probe dialog;
