@@ -100,8 +100,9 @@ struct argument_list {
     {
         const auto in_range = [](auto unit) { return unit >= 0 && unit < 0x80; };
         return std::ranges::all_of(values, [&](const argument& value) {
-            return std::ranges::all_of(value.wide_text(), in_range) &&
-                   std::ranges::all_of(value.narrow_text(), in_range);
+            if (value.type() == argument::kind::wide_text)
+                return std::ranges::all_of(value.wide_text(), in_range);
+            return value.type() != argument::kind::narrow_text || std::ranges::all_of(value.narrow_text(), in_range);
         });
     }
 

@@ -52,20 +52,21 @@ char32_t decode_sequence(std::string_view text, std::size_t& position)
     return value;
 }
 
-void append_utf16(std::u16string& out, char32_t value)
+char16_t* put_utf16(char16_t* out, char32_t value)
 {
     if (value < 0x10000) {
-        out.push_back(static_cast<char16_t>(value));
-        return;
+        *out++ = static_cast<char16_t>(value);
+        return out;
     }
     value -= 0x10000;
-    out.push_back(static_cast<char16_t>(0xD800 + (value >> 10)));
-    out.push_back(static_cast<char16_t>(0xDC00 + (value & 0x3FF)));
+    *out++ = static_cast<char16_t>(0xD800 + (value >> 10));
+    *out++ = static_cast<char16_t>(0xDC00 + (value & 0x3FF));
+    return out;
 }
 
-void append_utf8(std::string& out, char32_t value)
+char* put_utf8(char* out, char32_t value)
 {
-    const auto put = [&out](char32_t byte) { out.push_back(static_cast<char>(static_cast<unsigned char>(byte))); };
+    const auto put = [&out](char32_t byte) { *out++ = static_cast<char>(static_cast<unsigned char>(byte)); };
     if (value < 0x80) {
         put(value);
     } else if (value < 0x800) {
@@ -81,6 +82,7 @@ void append_utf8(std::string& out, char32_t value)
         put(0x80 | ((value >> 6) & 0x3F));
         put(0x80 | (value & 0x3F));
     }
+    return out;
 }
 
 constexpr bool is_high_surrogate(char16_t unit)
@@ -92,37 +94,71 @@ constexpr bool is_low_surrogate(char16_t unit)
     return (unit & 0xFC00) == 0xDC00;
 }
 
+/// Decodes the character at `position` and moves it behind.
+char32_t take_character(std::string_view utf8, std::size_t& position)
+{
+    const auto lead = static_cast<unsigned char>(utf8[position]);
+    if (lead >= 0x80)
+        return decode_sequence(utf8, position);
+    ++position;
+    return lead;
+}
+
+char32_t take_character(std::u16string_view utf16, std::size_t& position)
+{
+    const char16_t unit = utf16[position++];
+    if (is_high_surrogate(unit) && position < utf16.size() && is_low_surrogate(utf16[position])) {
+        const char16_t low = utf16[position++];
+        return 0x10000 + ((char32_t{unit} - 0xD800) << 10) + (char32_t{low} - 0xDC00);
+    }
+    return is_high_surrogate(unit) || is_low_surrogate(unit) ? replacement : char32_t{unit};
+}
+
 } // namespace
+
+char16_t* write_utf16(char16_t* out, std::string_view utf8) noexcept
+{
+    for (std::size_t position = 0; position < utf8.size();)
+        out = put_utf16(out, take_character(utf8, position));
+    return out;
+}
+
+char* write_utf8(char* out, std::u16string_view utf16) noexcept
+{
+    for (std::size_t position = 0; position < utf16.size();)
+        out = put_utf8(out, take_character(utf16, position));
+    return out;
+}
+
+std::size_t utf16_size(std::string_view utf8) noexcept
+{
+    char16_t units[2];
+    std::size_t size = 0;
+    for (std::size_t position = 0; position < utf8.size();)
+        size += static_cast<std::size_t>(put_utf16(units, take_character(utf8, position)) - units);
+    return size;
+}
+
+std::size_t utf8_size(std::u16string_view utf16) noexcept
+{
+    char bytes[4];
+    std::size_t size = 0;
+    for (std::size_t position = 0; position < utf16.size();)
+        size += static_cast<std::size_t>(put_utf8(bytes, take_character(utf16, position)) - bytes);
+    return size;
+}
 
 std::u16string to_utf16(std::string_view utf8)
 {
-    std::u16string out;
-    out.reserve(utf8.size());
-    for (std::size_t position = 0; position < utf8.size();) {
-        const auto lead = static_cast<unsigned char>(utf8[position]);
-        if (lead < 0x80) {
-            out.push_back(lead);
-            ++position;
-        } else {
-            append_utf16(out, decode_sequence(utf8, position));
-        }
-    }
+    std::u16string out(utf16_size(utf8), u'\0');
+    write_utf16(out.data(), utf8);
     return out;
 }
 
 std::string to_utf8(std::u16string_view utf16)
 {
-    std::string out;
-    out.reserve(utf16.size());
-    for (std::size_t i = 0; i < utf16.size(); ++i) {
-        const char16_t unit = utf16[i];
-        if (is_high_surrogate(unit) && i + 1 < utf16.size() && is_low_surrogate(utf16[i + 1])) {
-            const char16_t low = utf16[++i];
-            append_utf8(out, 0x10000 + ((char32_t{unit} - 0xD800) << 10) + (char32_t{low} - 0xDC00));
-        } else {
-            append_utf8(out, is_high_surrogate(unit) || is_low_surrogate(unit) ? replacement : char32_t{unit});
-        }
-    }
+    std::string out(utf8_size(utf16), '\0');
+    write_utf8(out.data(), utf16);
     return out;
 }
 

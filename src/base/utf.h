@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -11,5 +12,15 @@ std::u16string to_utf16(std::string_view utf8);
 
 /// UTF-16 to UTF-8. A surrogate without its partner becomes U+FFFD.
 std::string to_utf8(std::u16string_view utf16);
+
+/// The sizes of those results.
+std::size_t utf16_size(std::string_view utf8) noexcept;
+std::size_t utf8_size(std::u16string_view utf16) noexcept;
+
+/// The same conversions into memory of the caller, which has room for the result: at most one unit for each byte, at
+/// most three bytes for each unit.
+/// \return the end of what was written
+char16_t* write_utf16(char16_t* out, std::string_view utf8) noexcept;
+char* write_utf8(char* out, std::u16string_view utf16) noexcept;
 
 } // namespace girder

@@ -3,6 +3,7 @@
 #include "base/file_time.h"
 
 #include <concepts>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -30,11 +31,15 @@ public:
     constexpr argument(girder::file_time value) noexcept
         : kind_(kind::time), bits_(static_cast<std::uint64_t>(value.ticks))
     {}
-    constexpr argument(std::u16string_view value) noexcept : kind_(kind::wide_text), wide_(value) {}
+    constexpr argument(std::u16string_view value) noexcept
+        : kind_(kind::wide_text), wide_(value.data()), size_(value.size())
+    {}
     constexpr argument(const std::u16string& value) noexcept : argument(std::u16string_view(value)) {}
     constexpr argument(const char16_t* value) noexcept : argument(std::u16string_view(value)) {}
     /// UTF-8.
-    constexpr argument(std::string_view value) noexcept : kind_(kind::narrow_text), narrow_text_(value) {}
+    constexpr argument(std::string_view value) noexcept
+        : kind_(kind::narrow_text), bytes_(value.data()), size_(value.size())
+    {}
     constexpr argument(const std::string& value) noexcept : argument(std::string_view(value)) {}
     constexpr argument(const char* value) noexcept : argument(std::string_view(value)) {}
     // NOLINTEND(google-explicit-constructor)
@@ -43,20 +48,34 @@ public:
     constexpr bool is_number() const noexcept { return kind_ == kind::signed_number || kind_ == kind::unsigned_number; }
     /// Of a condition its value; everything else counts as true.
     constexpr bool is_true() const noexcept { return kind_ != kind::condition || bits_ != 0; }
+
+    // Each of these is for its own kinds only.
+
     /// The number's bits, sign-extended to 64.
     constexpr std::uint64_t bits() const noexcept { return bits_; }
     /// The number read as unsigned, in its own width.
     constexpr std::uint64_t as_unsigned() const noexcept { return narrow_ ? static_cast<std::uint32_t>(bits_) : bits_; }
     constexpr girder::file_time time() const noexcept { return {static_cast<std::int64_t>(bits_)}; }
-    constexpr std::u16string_view wide_text() const noexcept { return wide_; }
-    constexpr std::string_view narrow_text() const noexcept { return narrow_text_; }
+    constexpr std::u16string_view wide_text() const noexcept { return {wide_, size_}; }
+    constexpr std::string_view narrow_text() const noexcept { return {bytes_, size_}; }
+    template <typename Char>
+    constexpr std::basic_string_view<Char> text() const noexcept
+    {
+        if constexpr (sizeof(Char) == 1)
+            return narrow_text();
+        else
+            return wide_text();
+    }
 
 private:
     kind kind_;
     bool narrow_ = false; ///< at most 32 bits wide
-    std::uint64_t bits_ = 0;
-    std::u16string_view wide_;
-    std::string_view narrow_text_;
+    union {
+        std::uint64_t bits_;
+        const char16_t* wide_;
+        const char* bytes_;
+    };
+    std::size_t size_ = 0;
 };
 
 } // namespace fmtkit

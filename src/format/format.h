@@ -2,10 +2,13 @@
 
 #include "format/argument.h"
 #include "format/compiled_format.h"
+#include "format/literal_text.h"
+#include "format/literals.h"
 
+#include <array>
+#include <cstddef>
 #include <span>
 #include <string>
-#include <type_traits>
 
 namespace fmtkit {
 
@@ -16,46 +19,55 @@ void render(std::u16string& out, const basic_format_view<char16_t>& format, std:
 /// The same in UTF-8; widths count bytes.
 void render(std::string& out, const basic_format_view<char>& format, std::span<const argument> arguments);
 
-namespace details {
+/// The rendered text as a new string.
+std::u16string rendered(const basic_format_view<char16_t>& format, std::span<const argument> arguments);
+std::string rendered(const basic_format_view<char>& format, std::span<const argument> arguments);
 
-template <typename Format>
-struct character_of {
-    using type = typename Format::character;
-};
-template <typename Char>
-struct character_of<basic_compiled_format<Char>> {
-    using type = Char;
-};
-template <typename Char>
-struct character_of<basic_format_view<Char>> {
-    using type = Char;
-};
-
-} // namespace details
-
-/// Appends `arguments`, rendered by `format`, to `out`.
-/// \param format  a literal (`u"..."_fmt`) or the result of compile()
-template <typename Format, typename... Arguments>
-void append(std::basic_string<typename details::character_of<Format>::type>& out, const Format& format,
-            const Arguments&... arguments)
+/// Appends `arguments`, rendered by a format compiled at run time, to `out`.
+template <typename Char, typename... Arguments>
+void append(std::basic_string<Char>& out, const basic_compiled_format<Char>& format, const Arguments&... arguments)
 {
-    const basic_format_view<typename details::character_of<Format>::type> view = format;
-    if constexpr (sizeof...(Arguments) == 0) {
-        render(out, view, {});
-    } else {
-        const argument list[] = {argument(arguments)...};
-        render(out, view, list);
-    }
+    const std::array<argument, sizeof...(Arguments)> list{argument(arguments)...};
+    render(out, format, list);
 }
 
-/// The rendered text as a new string.
-template <typename Format, typename... Arguments>
-std::basic_string<typename details::character_of<Format>::type> format(const Format& format_used,
-                                                                       const Arguments&... arguments)
+/// The same into a new string.
+template <typename Char, typename... Arguments>
+std::basic_string<Char> format(const basic_compiled_format<Char>& format, const Arguments&... arguments)
 {
-    std::basic_string<typename details::character_of<Format>::type> out;
-    append(out, format_used, arguments...);
-    return out;
+    const std::array<argument, sizeof...(Arguments)> list{argument(arguments)...};
+    return rendered(format, list);
+}
+
+/// Appends `arguments`, rendered by a format known at build time (`u"..."_fmt`), to `out`.
+template <details::fixed_text Text, typename... Arguments>
+void append(std::basic_string<typename decltype(Text)::character>& out, const literal_format<Text>& format,
+            const Arguments&... arguments)
+{
+    const details::literal_renderer<literal_format<Text>, decltype(details::typed(arguments))...> renderer(
+        details::typed(arguments)...);
+    if (renderer.room() > details::short_result) {
+        const std::array<argument, sizeof...(Arguments)> list{argument(arguments)...};
+        render(out, format, list);
+        return;
+    }
+    typename decltype(Text)::character buffer[details::short_result];
+    out.append(buffer, static_cast<std::size_t>(renderer.write(buffer) - buffer));
+}
+
+/// The same into a new string.
+template <details::fixed_text Text, typename... Arguments>
+std::basic_string<typename decltype(Text)::character> format(const literal_format<Text>& format,
+                                                             const Arguments&... arguments)
+{
+    const details::literal_renderer<literal_format<Text>, decltype(details::typed(arguments))...> renderer(
+        details::typed(arguments)...);
+    if (renderer.room() > details::short_result) {
+        const std::array<argument, sizeof...(Arguments)> list{argument(arguments)...};
+        return rendered(format, list);
+    }
+    typename decltype(Text)::character buffer[details::short_result];
+    return {buffer, static_cast<std::size_t>(renderer.write(buffer) - buffer)};
 }
 
 } // namespace fmtkit

@@ -1,29 +1,28 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <ctime>
-#include <optional>
-#include <string>
+#include <span>
+#include <string_view>
 
 // The operating system's side of formatting: the user's zone and locale.
 
 namespace fmtkit::details {
 
-/// Local time and its distance to UTC.
-struct local_time {
-    std::tm fields{};
-    int offset_minutes = 0; ///< east of Greenwich, summer time included
-    std::string zone_name;  ///< UTF-8
-};
-
-/// Empty for what the C runtime's _localtime64_s rejects: before 1970 or after the year 3000.
+/// Local time with the zone's summer time.
 /// \param seconds  since 1970-01-01 UTC
-std::optional<local_time> to_local_time(std::int64_t seconds);
+/// \return false for what the C runtime's _localtime64_s rejects: before 1970 or after the year 3000
+bool to_local_time(std::int64_t seconds, std::tm& local);
 
-/// One strftime conversion whose text depends on the user's locale: a A b B c p r x X.
-std::u16string locale_time_text(char16_t conversion, const std::tm& fields);
+inline constexpr std::size_t longest_system_text = 128;
+
+/// Writes one strftime conversion whose text the system knows: a A b B c h p r x X in the user's locale, and Z, the
+/// zone's name.
+/// \return its length; 0 where the system has none
+std::size_t write_system_text(std::span<char16_t, longest_system_text> out, char16_t conversion, const std::tm& local);
 
 /// Between groups of three digits in the user's locale; may be empty. Read once, then kept for the life of the process.
-const std::u16string& thousands_separator();
+std::u16string_view thousands_separator();
 
 } // namespace fmtkit::details

@@ -4,6 +4,7 @@
 #include <langinfo.h>
 
 #include <clocale>
+#include <string>
 
 namespace fmtkit::details {
 namespace {
@@ -23,28 +24,23 @@ locale_t user_locale()
 
 } // namespace
 
-std::optional<local_time> to_local_time(std::int64_t seconds)
+bool to_local_time(std::int64_t seconds, std::tm& local)
 {
     if (seconds < 0 || seconds > last_second)
-        return std::nullopt;
-    local_time local;
+        return false;
     const std::time_t time = seconds;
-    if (!::localtime_r(&time, &local.fields))
-        return std::nullopt;
-    local.offset_minutes = static_cast<int>(local.fields.tm_gmtoff / 60);
-    local.zone_name = local.fields.tm_zone;
-    return local;
+    return ::localtime_r(&time, &local) != nullptr;
 }
 
-std::u16string locale_time_text(char16_t conversion, const std::tm& fields)
+std::size_t write_system_text(std::span<char16_t, longest_system_text> out, char16_t conversion, const std::tm& local)
 {
     const char pattern[] = {'%', static_cast<char>(conversion), '\0'};
-    char buffer[256];
-    const std::size_t length = ::strftime_l(buffer, sizeof buffer, pattern, &fields, user_locale());
-    return girder::to_utf16({buffer, length});
+    char bytes[longest_system_text];
+    const std::size_t size = ::strftime_l(bytes, sizeof bytes, pattern, &local, user_locale());
+    return static_cast<std::size_t>(girder::write_utf16(out.data(), {bytes, size}) - out.data());
 }
 
-const std::u16string& thousands_separator()
+std::u16string_view thousands_separator()
 {
     static const std::u16string separator = girder::to_utf16(::nl_langinfo_l(THOUSEP, user_locale()));
     return separator;

@@ -1,16 +1,19 @@
-#include "base/utf.h"
 #include "base/wide.h"
 #include "format/local_time.h"
 
 #include <windows.h>
 
+#include <algorithm>
 #include <ctime>
+#include <cwchar>
 
 namespace fmtkit::details {
 namespace {
 
 /// The last second of the year 3000, the end of _localtime64_s.
 constexpr std::int64_t last_second = 32'535'215'999;
+
+using text_buffer = std::span<char16_t, longest_system_text>;
 
 SYSTEMTIME system_time(const std::tm& fields)
 {
@@ -25,75 +28,80 @@ SYSTEMTIME system_time(const std::tm& fields)
     return time;
 }
 
-/// \param picture  null for the user's own form
-std::u16string date_text(const std::tm& fields, DWORD flags, const wchar_t* picture)
+/// The functions of the system count the null behind the text.
+std::size_t size_of_text(int returned)
 {
-    const SYSTEMTIME time = system_time(fields);
-    wchar_t buffer[128];
-    const int length = ::GetDateFormatEx(LOCALE_NAME_USER_DEFAULT, flags, &time, picture, buffer, 128, nullptr);
-    return length > 0 ? std::u16string(girder::as_utf16(buffer), static_cast<std::size_t>(length) - 1)
-                      : std::u16string();
+    return returned > 0 ? static_cast<std::size_t>(returned) - 1 : 0;
 }
 
-std::u16string time_text(const std::tm& fields, const wchar_t* picture)
+/// \param picture  null for the user's own form
+std::size_t write_date(text_buffer out, const SYSTEMTIME& time, DWORD flags, const wchar_t* picture)
 {
-    const SYSTEMTIME time = system_time(fields);
-    wchar_t buffer[128];
-    const int length = ::GetTimeFormatEx(LOCALE_NAME_USER_DEFAULT, 0, &time, picture, buffer, 128);
-    return length > 0 ? std::u16string(girder::as_utf16(buffer), static_cast<std::size_t>(length) - 1)
-                      : std::u16string();
+    return size_of_text(::GetDateFormatEx(LOCALE_NAME_USER_DEFAULT, flags, &time, picture, girder::as_wide(out.data()),
+                                          static_cast<int>(out.size()), nullptr));
+}
+
+std::size_t write_time(text_buffer out, const SYSTEMTIME& time, const wchar_t* picture)
+{
+    return size_of_text(::GetTimeFormatEx(LOCALE_NAME_USER_DEFAULT, 0, &time, picture, girder::as_wide(out.data()),
+                                          static_cast<int>(out.size())));
+}
+
+std::size_t write_date_and_time(text_buffer out, const SYSTEMTIME& time)
+{
+    const std::size_t date = write_date(out, time, DATE_SHORTDATE, nullptr);
+    char16_t clock[longest_system_text];
+    const std::size_t size = write_time(clock, time, nullptr);
+    if (date + 1 + size > out.size())
+        return date;
+    out[date] = u' ';
+    std::copy_n(clock, size, out.data() + date + 1);
+    return date + 1 + size;
 }
 
 } // namespace
 
-std::optional<local_time> to_local_time(std::int64_t seconds)
+bool to_local_time(std::int64_t seconds, std::tm& local)
 {
-    if (seconds < 0 || seconds > last_second)
-        return std::nullopt;
-    local_time local;
-    if (_localtime64_s(&local.fields, &seconds) != 0)
-        return std::nullopt;
-    // Reading the local time as if it were UTC gives the distance; the call normalises its argument.
-    std::tm read_as_utc = local.fields;
-    local.offset_minutes = static_cast<int>((_mkgmtime64(&read_as_utc) - seconds) / 60);
-    wchar_t name[64]{};
-    const std::size_t length = wcsftime(name, std::size(name), L"%Z", &local.fields);
-    local.zone_name = girder::to_utf8({girder::as_utf16(name), length});
-    return local;
+    return seconds >= 0 && seconds <= last_second && _localtime64_s(&local, &seconds) == 0;
 }
 
-std::u16string locale_time_text(char16_t conversion, const std::tm& fields)
+std::size_t write_system_text(text_buffer out, char16_t conversion, const std::tm& local)
 {
+    const SYSTEMTIME time = system_time(local);
     switch (conversion) {
     case u'a':
-        return date_text(fields, 0, L"ddd");
+        return write_date(out, time, 0, L"ddd");
     case u'A':
-        return date_text(fields, 0, L"dddd");
+        return write_date(out, time, 0, L"dddd");
     case u'b':
-        return date_text(fields, 0, L"MMM");
+    case u'h':
+        return write_date(out, time, 0, L"MMM");
     case u'B':
-        return date_text(fields, 0, L"MMMM");
+        return write_date(out, time, 0, L"MMMM");
     case u'p':
-        return time_text(fields, L"tt");
+        return write_time(out, time, L"tt");
     case u'r':
     case u'X':
-        return time_text(fields, nullptr);
+        return write_time(out, time, nullptr);
     case u'x':
-        return date_text(fields, DATE_SHORTDATE, nullptr);
+        return write_date(out, time, DATE_SHORTDATE, nullptr);
+    case u'Z':
+        return std::wcsftime(girder::as_wide(out.data()), out.size(), L"%Z", &local);
     default:
-        return date_text(fields, DATE_SHORTDATE, nullptr) + u' ' + time_text(fields, nullptr);
+        return write_date_and_time(out, time);
     }
 }
 
-const std::u16string& thousands_separator()
+std::u16string_view thousands_separator()
 {
-    static const std::u16string separator = [] {
-        wchar_t text[8]{};
-        const int length = ::GetLocaleInfoEx(LOCALE_NAME_USER_DEFAULT, LOCALE_STHOUSAND, text, 8);
-        return length > 0 ? std::u16string(girder::as_utf16(text), static_cast<std::size_t>(length) - 1)
-                          : std::u16string();
-    }();
-    return separator;
+    // LOCALE_STHOUSAND has at most three characters.
+    static const struct separator {
+        separator() : size(size_of_text(::GetLocaleInfoEx(LOCALE_NAME_USER_DEFAULT, LOCALE_STHOUSAND, units, 4))) {}
+        wchar_t units[4]{};
+        std::size_t size;
+    } user;
+    return girder::as_utf16({user.units, user.size});
 }
 
 } // namespace fmtkit::details

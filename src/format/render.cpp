@@ -1,293 +1,210 @@
-#include "base/utf.h"
+#include "format/copy_text.h"
 #include "format/format.h"
-#include "format/local_time.h"
-#include "format/time_text.h"
+#include "format/item_text.h"
+#include "format/number_text.h"
 
-#include <array>
 #include <cstddef>
-#include <optional>
 
 namespace fmtkit {
 namespace {
 
-template <typename Char>
-using text_view = std::basic_string_view<Char>;
+/// The item that ends or negates a condition which does not hold, from the items behind the one that made it fail.
+/// Conditions between, which are open or not without effect, end first.
+/// \param arguments  how many there are: an item whose argument is missing does nothing
+const FormatItem* end_of_inactive(const FormatItem* item, const FormatItem* end, std::size_t arguments) noexcept
+{
+    std::size_t open_between = 0;
+    for (; item != end; ++item) {
+        if ((item->flags & flag_conditional) == 0 || item->argIndex >= arguments)
+            continue;
+        if ((item->flags & flag_condition_begin) != 0)
+            ++open_between;
+        else if (open_between == 0)
+            break;
+        else if ((item->flags & flag_condition_else) == 0)
+            --open_between;
+    }
+    return item;
+}
 
-/// The longest number: 64 binary digits, or 20 decimal ones with six separators, behind a sign or a prefix.
-constexpr std::size_t number_room = 128;
-
-/// Digits are written from the back.
-template <typename Char>
-class number_text {
+/// Goes through the items of a format that write something with these arguments.
+///
+/// Conditions form a stack, and an item is active when all of it is true. A count stands for the stack: while an item
+/// is active every open condition is true, and the inactive ones are passed at once.
+class active_items {
 public:
-    void put(Char unit) noexcept { *--begin_ = unit; }
-    void put(text_view<Char> text) noexcept
-    {
-        for (std::size_t i = text.size(); i > 0; --i)
-            put(text[i - 1]);
-    }
-    std::size_t size() const noexcept { return static_cast<std::size_t>(buffer_.data() + number_room - begin_); }
-    text_view<Char> view() const noexcept { return {begin_, size()}; }
-
-private:
-    std::array<Char, number_room> buffer_;
-    Char* begin_ = buffer_.data() + number_room;
-};
-
-template <typename Char>
-std::basic_string<Char> converted(std::u16string_view text)
-{
-    if constexpr (sizeof(Char) == 1)
-        return girder::to_utf8(text);
-    else
-        return std::u16string(text);
-}
-
-template <typename Char>
-void put_decimal(number_text<Char>& out, std::uint64_t value, bool grouped)
-{
-    // A locale's separator is one or two characters; a longer one is not used.
-    constexpr std::size_t longest_separator = 4;
-    const std::basic_string<Char> separator =
-        grouped ? converted<Char>(details::thousands_separator()) : std::basic_string<Char>();
-    const bool separates = !separator.empty() && separator.size() <= longest_separator;
-    int digits = 0;
-    do {
-        if (separates && digits != 0 && digits % 3 == 0)
-            out.put(text_view<Char>(separator));
-        out.put(static_cast<Char>('0' + static_cast<char>(value % 10)));
-        value /= 10;
-        ++digits;
-    } while (value != 0);
-}
-
-template <typename Char>
-void put_power_of_two(number_text<Char>& out, std::uint64_t value, unsigned bits, bool lower)
-{
-    const char* const digits = lower ? "0123456789abcdef" : "0123456789ABCDEF";
-    const std::uint64_t mask = (1U << bits) - 1;
-    do {
-        out.put(static_cast<Char>(digits[value & mask]));
-        value >>= bits;
-    } while (value != 0);
-}
-
-template <typename Char>
-void put_hexadecimal(number_text<Char>& out, std::uint64_t value, std::uint32_t flags)
-{
-    put_power_of_two(out, value, 4, (flags & flag_lower_hex) != 0);
-    if ((flags & flag_hex_padded) != 0)
-        for (const std::size_t width = out.size() <= 8 ? 8 : 16; out.size() < width;)
-            out.put(Char('0'));
-    if ((flags & flag_hex_prefix) != 0) {
-        out.put(Char('x'));
-        out.put(Char('0'));
-    }
-}
-
-template <typename Char>
-void put_number(number_text<Char>& out, const FormatItem& item, const argument& value)
-{
-    const bool is_unsigned = (item.flags & flag_unsigned) != 0 || value.type() == argument::kind::unsigned_number;
-    const bool negative = !is_unsigned && static_cast<std::int64_t>(value.bits()) < 0;
-    const std::uint64_t magnitude = is_unsigned ? value.as_unsigned() : negative ? 0 - value.bits() : value.bits();
-    switch (item.base) {
-    case 2:
-        put_power_of_two(out, magnitude, 1, false);
-        break;
-    case 8:
-        put_power_of_two(out, magnitude, 3, false);
-        break;
-    case 10:
-        put_decimal(out, magnitude, (item.flags & flag_grouped) != 0);
-        break;
-    default:
-        put_hexadecimal(out, magnitude, item.flags);
-        break;
-    }
-    if (negative)
-        out.put(Char('-'));
-    else if (!is_unsigned && (item.flags & flag_plus) != 0)
-        out.put(Char('+'));
-}
-
-template <typename Char>
-class renderer {
-public:
-    using string = std::basic_string<Char>;
-    using view = text_view<Char>;
-
-    renderer(string& out, const basic_format_view<Char>& format, std::span<const argument> arguments)
-        : out_(out), format_(format), arguments_(arguments)
+    active_items(std::span<const FormatItem> items, std::span<const argument> arguments) noexcept
+        : next_(items.data()), end_(next_ + items.size()), arguments_(arguments)
     {}
 
-    void run()
+    /// Null at the end.
+    [[gnu::always_inline]] const FormatItem* next() noexcept
     {
-        for (const FormatItem& item : format_.items) {
-            const bool active = inactive_ == 0;
-            if ((item.flags & flag_conditional) != 0)
-                condition(item);
-            else if (active && (item.flags & flag_literal) != 0)
-                literal(item);
-            else if (active && item.argIndex < arguments_.size())
-                value(item, arguments_[item.argIndex]);
+        while (next_ != end_) {
+            const FormatItem& item = *next_++;
+            if ((item.flags & flag_literal) != 0)
+                return &item;
+            if (item.argIndex >= arguments_.size())
+                continue;
+            if ((item.flags & flag_conditional) == 0)
+                return &item;
+            enter_or_leave(item);
         }
+        return nullptr;
     }
 
 private:
-    /// The stack of conditions; `inactive_` counts those that are false.
-    void condition(const FormatItem& item)
+    [[gnu::always_inline]] void enter_or_leave(const FormatItem& item) noexcept
     {
-        if (item.argIndex >= arguments_.size())
-            return;
-        if ((item.flags & flag_condition_begin) != 0) {
-            conditions_.push_back(arguments_[item.argIndex].is_true() ? 1 : 0);
-            inactive_ += conditions_.back() != 0 ? 0 : 1;
-        } else if (!conditions_.empty()) {
-            const bool was_true = conditions_.back() != 0;
-            inactive_ -= was_true ? 0 : 1;
-            if ((item.flags & flag_condition_else) != 0) {
-                conditions_.back() = was_true ? 0 : 1;
-                inactive_ += was_true ? 1 : 0;
-            } else {
-                conditions_.pop_back();
-            }
-        }
-    }
-
-    void literal(const FormatItem& item)
-    {
-        const view text = slice(item);
-        if ((item.flags & flag_escaped) == 0) {
-            out_.append(text);
+        const bool begins = (item.flags & flag_condition_begin) != 0;
+        if (begins && arguments_[item.argIndex].is_true()) {
+            ++open_;
             return;
         }
-        for (std::size_t i = 0; i < text.size(); ++i) {
-            out_.push_back(text[i]);
-            if (text[i] == Char('{'))
-                ++i;
+        if (!begins) {
+            if (open_ == 0)
+                return;
+            --open_;
+            if ((item.flags & flag_condition_else) == 0)
+                return;
         }
-    }
-
-    view slice(const FormatItem& item) const
-    {
-        return format_.text.substr(static_cast<std::size_t>(item.begin),
-                                   static_cast<std::size_t>(item.end - item.begin));
-    }
-
-    void value(const FormatItem& item, const argument& argument_used)
-    {
-        switch (argument_used.type()) {
-        case argument::kind::signed_number:
-        case argument::kind::unsigned_number:
-            number(item, argument_used);
-            break;
-        case argument::kind::wide_text:
-            text(item, argument_used.wide_text());
-            break;
-        case argument::kind::narrow_text:
-            text(item, argument_used.narrow_text());
-            break;
-        case argument::kind::condition:
-            break;
-        case argument::kind::time:
-            time(item, argument_used.time());
-            break;
-        }
-    }
-
-    void number(const FormatItem& item, const argument& argument_used)
-    {
-        number_text<Char> digits;
-        if ((item.flags & flag_character) != 0) {
-            character(item, static_cast<char16_t>(argument_used.bits()));
+        const FormatItem* const turn = end_of_inactive(next_, end_, arguments_.size());
+        if (turn == end_) {
+            next_ = end_;
             return;
         }
-        put_number(digits, item, argument_used);
-        padded(item, digits.view());
+        next_ = turn + 1;
+        if ((turn->flags & flag_condition_else) != 0)
+            ++open_;
     }
 
-    void character(const FormatItem& item, char16_t code) { text(item, std::u16string_view(&code, 1)); }
-
-    template <typename Other>
-    void text(const FormatItem& item, std::basic_string_view<Other> value_text)
-    {
-        if constexpr (std::is_same_v<Other, Char>)
-            padded(item, value_text);
-        else if constexpr (sizeof(Other) == 1)
-            padded(item, girder::to_utf16(value_text));
-        else
-            padded(item, girder::to_utf8(value_text));
-    }
-
-    void time(const FormatItem& item, girder::file_time moment)
-    {
-        if ((item.flags & flag_time) == 0)
-            return;
-        const auto pattern = [&] {
-            if constexpr (sizeof(Char) == 1)
-                return girder::to_utf16(slice(item));
-            else
-                return slice(item);
-        }();
-        if (const std::optional<std::u16string> written = details::format_time(moment, pattern))
-            text(item, std::u16string_view(*written));
-    }
-
-    /// The width rules.
-    void padded(const FormatItem& item, view text)
-    {
-        if (text.size() < item.minWidth)
-            pad(item, text);
-        else if (item.maxWidth > 0 && text.size() > item.maxWidth)
-            cut(item, text);
-        else
-            out_.append(text);
-    }
-
-    void pad(const FormatItem& item, view text)
-    {
-        const std::size_t padding = item.minWidth - text.size();
-        const std::size_t before = item.align == align_right ? padding : item.align == align_centre ? padding / 2 : 0;
-        out_.append(before, static_cast<Char>(item.fill));
-        out_.append(text);
-        out_.append(padding - before, static_cast<Char>(item.fill));
-    }
-
-    void cut(const FormatItem& item, view text)
-    {
-        const bool marked = (item.flags & flag_ellipsis) != 0;
-        const std::size_t kept = marked ? item.maxWidth - std::size_t{1} : item.maxWidth;
-        if (item.align == align_right) {
-            if (marked)
-                ellipsis();
-            out_.append(text.substr(text.size() - kept));
-        } else {
-            out_.append(text.substr(0, kept));
-            if (marked)
-                ellipsis();
-        }
-    }
-
-    void ellipsis() { out_ += converted<Char>(u"…"); }
-
-    string& out_;
-    basic_format_view<Char> format_;
+    const FormatItem* next_;
+    const FormatItem* end_;
     std::span<const argument> arguments_;
-    std::string conditions_; ///< a byte for each open condition
-    std::size_t inactive_ = 0;
+    std::size_t open_ = 0;
 };
+
+template <typename Char>
+constexpr std::basic_string_view<Char> part(const basic_format_view<Char>& format, const FormatItem& item)
+{
+    return {format.text.data() + item.begin, static_cast<std::size_t>(item.end - item.begin)};
+}
+
+template <typename Char>
+Char* write_literal(Char* out, const basic_format_view<Char>& format, const FormatItem& item)
+{
+    const std::basic_string_view<Char> text = part(format, item);
+    return (item.flags & flag_escaped) != 0 ? details::write_escaped(out, text) : details::copy_text(out, text);
+}
+
+constexpr bool is_literal(const FormatItem& item)
+{
+    return (item.flags & flag_literal) != 0;
+}
+
+/// The most frequent arguments are written here, the others where all rules are known.
+/// \return null where there is no room
+template <typename Char>
+[[gnu::always_inline]] inline Char* write_short(Char* out, const Char* limit, const basic_format_view<Char>& format,
+                                                const FormatItem& item, const argument& value)
+{
+    const auto room = static_cast<std::size_t>(limit - out);
+    if (details::is_simple_number(item, value) && room >= details::simple_number_room)
+        return details::write_simple_number(out, item, value.as_unsigned());
+    if (value.type() == details::own_text<Char> && details::is_without_width(item)) {
+        const std::basic_string_view<Char> text = value.text<Char>();
+        return room >= text.size() ? details::copy_text(out, text) : nullptr;
+    }
+    return details::write_argument_if_it_fits(out, limit, format.text, item, value);
+}
+
+/// A result of little length, written to the caller's stack.
+/// \return its end; null where there is no room
+template <typename Char>
+Char* write_short(Char (&buffer)[details::short_result], const basic_format_view<Char>& format,
+                  std::span<const argument> arguments)
+{
+    const Char* const limit = buffer + details::short_result;
+    Char* out = buffer;
+    active_items items(format.items, arguments);
+    while (const FormatItem* const item = items.next()) {
+        if (!is_literal(*item)) {
+            out = write_short(out, limit, format, *item, arguments[item->argIndex]);
+            if (!out)
+                return nullptr;
+        } else {
+            if (static_cast<std::size_t>(limit - out) < part(format, *item).size())
+                return nullptr;
+            out = write_literal(out, format, *item);
+        }
+    }
+    return out;
+}
+
+/// Long results are measured first, so that the string grows once.
+template <typename Char>
+void append_long(std::basic_string<Char>& out, const basic_format_view<Char>& format,
+                 std::span<const argument> arguments)
+{
+    std::size_t room = 0;
+    active_items measured(format.items, arguments);
+    while (const FormatItem* const item = measured.next())
+        room += is_literal(*item) ? part(format, *item).size()
+                                  : details::exact_room(format.text, *item, arguments[item->argIndex]);
+
+    const std::size_t before = out.size();
+    out.resize(before + room);
+    Char* end = out.data() + before;
+    active_items items(format.items, arguments);
+    while (const FormatItem* const item = items.next())
+        end = is_literal(*item) ? write_literal(end, format, *item)
+                                : details::write_argument(end, format.text, *item, arguments[item->argIndex]);
+    out.resize(static_cast<std::size_t>(end - out.data()));
+}
+
+// Most results are short: they are made on the stack and copied once.
+
+template <typename Char>
+void append(std::basic_string<Char>& out, const basic_format_view<Char>& format, std::span<const argument> arguments)
+{
+    Char buffer[details::short_result];
+    if (const Char* const end = write_short(buffer, format, arguments))
+        out.append(buffer, static_cast<std::size_t>(end - buffer));
+    else
+        append_long(out, format, arguments);
+}
+
+template <typename Char>
+std::basic_string<Char> to_string(const basic_format_view<Char>& format, std::span<const argument> arguments)
+{
+    Char buffer[details::short_result];
+    if (const Char* const end = write_short(buffer, format, arguments))
+        return {buffer, static_cast<std::size_t>(end - buffer)};
+    std::basic_string<Char> out;
+    append_long(out, format, arguments);
+    return out;
+}
 
 } // namespace
 
 void render(std::u16string& out, const basic_format_view<char16_t>& format, std::span<const argument> arguments)
 {
-    renderer<char16_t>(out, format, arguments).run();
+    append(out, format, arguments);
 }
 
 void render(std::string& out, const basic_format_view<char>& format, std::span<const argument> arguments)
 {
-    renderer<char>(out, format, arguments).run();
+    append(out, format, arguments);
+}
+
+std::u16string rendered(const basic_format_view<char16_t>& format, std::span<const argument> arguments)
+{
+    return to_string(format, arguments);
+}
+
+std::string rendered(const basic_format_view<char>& format, std::span<const argument> arguments)
+{
+    return to_string(format, arguments);
 }
 
 } // namespace fmtkit

@@ -2,29 +2,19 @@
 
 #include "base/utf.h"
 #include "format/local_time.h"
+#include "format/number_text.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <cstring>
+#include <type_traits>
 
 namespace fmtkit::details {
 namespace {
 
-constexpr std::size_t longest_text = 40;
-
-void append_number(std::u16string& out, int value, int width, char16_t fill)
+constexpr bool is_leap(int year)
 {
-    char16_t digits[12];
-    int count = 0;
-    auto rest = static_cast<unsigned>(std::abs(value));
-    do {
-        digits[count++] = static_cast<char16_t>(u'0' + rest % 10);
-        rest /= 10;
-    } while (rest != 0);
-    if (value < 0)
-        out += u'-';
-    for (int i = count; i < width; ++i)
-        out += fill;
-    while (count > 0)
-        out += digits[--count];
+    return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
 }
 
 /// Year and week of ISO 8601: weeks begin on Monday, and the first one has the year's first Thursday.
@@ -33,188 +23,255 @@ struct iso_week {
     int week;
 };
 
-constexpr bool is_leap(int year)
+iso_week iso_week_of(const std::tm& local)
 {
-    return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
-}
-
-iso_week iso_week_of(const std::tm& fields)
-{
-    const int year = fields.tm_year + 1900;
-    const int day_from_monday = (fields.tm_wday + 6) % 7;
-    const int thursday = fields.tm_yday - day_from_monday + 3;
+    const int year = local.tm_year + 1900;
+    const int day_from_monday = (local.tm_wday + 6) % 7;
+    const int thursday = local.tm_yday - day_from_monday + 3;
     if (thursday < 0)
         return {.year = year - 1, .week = (thursday + (is_leap(year - 1) ? 366 : 365)) / 7 + 1};
-    const int days = is_leap(year) ? 366 : 365;
-    if (thursday >= days)
+    if (thursday >= (is_leap(year) ? 366 : 365))
         return {.year = year + 1, .week = 1};
     return {.year = year, .week = thursday / 7 + 1};
 }
 
-class time_writer {
-public:
-    time_writer(const local_time& time, std::int64_t seconds) : time_(time), seconds_(seconds) {}
+/// The seconds since 1970 at which a clock of UTC shows these fields.
+std::int64_t seconds_as_utc(const std::tm& fields)
+{
+    const int year = fields.tm_year + 1900;
+    const int leap_days = (year - 1969) / 4 - (year - 1901) / 100 + (year - 1601) / 400;
+    const std::int64_t days = std::int64_t{365} * (year - 1970) + leap_days + fields.tm_yday;
+    return ((days * 24 + fields.tm_hour) * 60 + fields.tm_min) * 60 + fields.tm_sec;
+}
 
-    std::u16string write(std::u16string_view pattern)
-    {
-        expand(pattern);
-        if (out_.size() > longest_text)
-            out_.resize(longest_text);
-        return std::move(out_);
-    }
+constexpr int twelve_hour(int hour)
+{
+    return hour % 12 == 0 ? 12 : hour % 12;
+}
 
-private:
-    void expand(std::u16string_view pattern)
-    {
-        for (std::size_t i = 0; i < pattern.size(); ++i) {
-            if (pattern[i] != u'%' || i + 1 == pattern.size()) {
-                out_ += pattern[i];
-                continue;
-            }
-            ++i;
-            if ((pattern[i] == u'E' || pattern[i] == u'O') && i + 1 < pattern.size())
-                ++i;
-            convert(pattern[i]);
-        }
-    }
-
-    void number(int value, int width = 2, char16_t fill = u'0') { append_number(out_, value, width, fill); }
-
-    void convert(char16_t conversion)
-    {
-        const std::tm& t = time_.fields;
-        const int hour12 = t.tm_hour % 12 == 0 ? 12 : t.tm_hour % 12;
-        const int year = t.tm_year + 1900;
-        switch (conversion) {
-        case u'%':
-            out_ += u'%';
-            break;
-        case u'C':
-            number(year / 100);
-            break;
-        case u'D':
-            expand(u"%m/%d/%y");
-            break;
-        case u'F':
-            expand(u"%Y-%m-%d");
-            break;
-        case u'G':
-            number(iso_week_of(t).year, 4);
-            break;
-        case u'H':
-            number(t.tm_hour);
-            break;
-        case u'I':
-            number(hour12);
-            break;
-        case u'M':
-            number(t.tm_min);
-            break;
-        case u'R':
-            expand(u"%H:%M");
-            break;
-        case u'S':
-            number(t.tm_sec);
-            break;
-        case u'T':
-            expand(u"%H:%M:%S");
-            break;
-        case u'U':
-            number((t.tm_yday + 7 - t.tm_wday) / 7);
-            break;
-        case u'V':
-            number(iso_week_of(t).week);
-            break;
-        case u'W':
-            number((t.tm_yday + 7 - (t.tm_wday + 6) % 7) / 7);
-            break;
-        case u'Y':
-            number(year, 4);
-            break;
-        case u'Z':
-            out_ += girder::to_utf16(time_.zone_name);
-            break;
-        case u'd':
-            number(t.tm_mday);
-            break;
-        case u'e':
-            number(t.tm_mday, 2, u' ');
-            break;
-        case u'g':
-            number(iso_week_of(t).year % 100);
-            break;
-        case u'h':
-            out_ += locale_time_text(u'b', t);
-            break;
-        case u'j':
-            number(t.tm_yday + 1, 3);
-            break;
-        case u'm':
-            number(t.tm_mon + 1);
-            break;
-        case u'n':
-            out_ += u'\n';
-            break;
-        case u's':
-            out_ += girder::to_utf16(std::to_string(seconds_));
-            break;
-        case u't':
-            out_ += u'\t';
-            break;
-        case u'u':
-            number(t.tm_wday == 0 ? 7 : t.tm_wday, 1);
-            break;
-        case u'w':
-            number(t.tm_wday, 1);
-            break;
-        case u'y':
-            number(year % 100);
-            break;
-        case u'z':
-            zone_offset();
-            break;
-        case u'a':
-        case u'A':
-        case u'b':
-        case u'B':
-        case u'c':
-        case u'p':
-        case u'r':
-        case u'x':
-        case u'X':
-            out_ += locale_time_text(conversion, t);
-            break;
-        default:
-            out_.append({u'%', conversion});
-            break;
-        }
-    }
-
-    void zone_offset()
-    {
-        const int distance = std::abs(time_.offset_minutes);
-        out_ += time_.offset_minutes < 0 ? u'-' : u'+';
-        number(distance / 60);
-        number(distance % 60);
-    }
-
-    const local_time& time_;
-    std::int64_t seconds_;
-    std::u16string out_;
-};
+template <typename Char>
+constexpr bool is_ascii(Char unit)
+{
+    return static_cast<std::make_unsigned_t<Char>>(unit) < 0x80;
+}
 
 } // namespace
 
-std::optional<std::u16string> format_time(girder::file_time time, std::u16string_view pattern)
+bool time_text::write(girder::file_time time, std::u16string_view pattern)
+{
+    return write_pattern(time, pattern);
+}
+
+bool time_text::write(girder::file_time time, std::string_view pattern)
+{
+    return write_pattern(time, pattern);
+}
+
+template <typename Char>
+bool time_text::write_pattern(girder::file_time time, std::basic_string_view<Char> pattern)
 {
     // Wraps for times near the ends of the scale, which are then out of range.
     const auto since_epoch =
         static_cast<std::int64_t>(static_cast<std::uint64_t>(time.ticks) - std::uint64_t{girder::unix_epoch_ticks});
-    const std::int64_t seconds = since_epoch / girder::ticks_per_second;
-    const std::optional<local_time> local = to_local_time(seconds);
-    if (!local)
-        return std::nullopt;
-    return time_writer(*local, seconds).write(pattern);
+    seconds_ = since_epoch / girder::ticks_per_second;
+    if (!to_local_time(seconds_, local_))
+        return false;
+    expand(pattern);
+    size_ = std::min(size_, longest_time_text);
+    return true;
+}
+
+template <typename Char>
+void time_text::expand(std::basic_string_view<Char> pattern)
+{
+    for (std::size_t i = 0; i < pattern.size() && size_ < longest_time_text; ++i) {
+        if (pattern[i] != Char('%') || i + 1 == pattern.size()) {
+            const std::size_t run = std::min(pattern.find(Char('%'), i + 1), pattern.size());
+            put_text(pattern.substr(i, run - i));
+            i = run - 1;
+            continue;
+        }
+        ++i;
+        if ((pattern[i] == Char('E') || pattern[i] == Char('O')) && i + 1 < pattern.size())
+            ++i;
+        if (is_ascii(pattern[i])) {
+            convert(static_cast<char16_t>(pattern[i]));
+        } else {
+            put(u'%');
+            --i;
+        }
+    }
+}
+
+void time_text::put_text(std::u16string_view text)
+{
+    const std::size_t size = std::min(text.size(), longest_time_text - std::min(size_, longest_time_text));
+    std::copy_n(text.data(), size, units_.data() + size_);
+    size_ += size;
+}
+
+void time_text::put_text(std::string_view text)
+{
+    // As many bytes as the longest text can have.
+    std::array<char16_t, 3 * longest_time_text> units;
+    const char16_t* const end = girder::write_utf16(units.data(), text.substr(0, units.size()));
+    put_text(std::u16string_view(units.data(), static_cast<std::size_t>(end - units.data())));
+}
+
+void time_text::number(std::uint64_t value)
+{
+    size_ += decimal_size(value);
+    write_decimal_before(units_.data() + size_, value);
+}
+
+void time_text::two_digits(int value, char16_t fill)
+{
+    std::memcpy(units_.data() + size_, &decimal_pairs<char16_t>[2 * static_cast<std::size_t>(value)],
+                2 * sizeof(char16_t));
+    if (value < 10)
+        units_[size_] = fill;
+    size_ += 2;
+}
+
+void time_text::year(int value)
+{
+    two_digits(value / 100);
+    two_digits(value % 100);
+}
+
+void time_text::clock(bool with_seconds)
+{
+    two_digits(local_.tm_hour);
+    put(u':');
+    two_digits(local_.tm_min);
+    if (!with_seconds)
+        return;
+    put(u':');
+    two_digits(local_.tm_sec);
+}
+
+void time_text::zone_offset()
+{
+    const auto minutes = static_cast<int>((seconds_as_utc(local_) - seconds_) / 60);
+    const int distance = std::abs(minutes);
+    put(minutes < 0 ? u'-' : u'+');
+    two_digits(distance / 60);
+    two_digits(distance % 60);
+}
+
+void time_text::convert(char16_t conversion)
+{
+    switch (conversion) {
+    case u'%':
+        put(u'%');
+        break;
+    case u'C':
+        two_digits((local_.tm_year + 1900) / 100);
+        break;
+    case u'D':
+        two_digits(local_.tm_mon + 1);
+        put(u'/');
+        two_digits(local_.tm_mday);
+        put(u'/');
+        two_digits(local_.tm_year % 100);
+        break;
+    case u'F':
+        year(local_.tm_year + 1900);
+        put(u'-');
+        two_digits(local_.tm_mon + 1);
+        put(u'-');
+        two_digits(local_.tm_mday);
+        break;
+    case u'G':
+        year(iso_week_of(local_).year);
+        break;
+    case u'H':
+        two_digits(local_.tm_hour);
+        break;
+    case u'I':
+        two_digits(twelve_hour(local_.tm_hour));
+        break;
+    case u'M':
+        two_digits(local_.tm_min);
+        break;
+    case u'R':
+        clock(false);
+        break;
+    case u'S':
+        two_digits(local_.tm_sec);
+        break;
+    case u'T':
+        clock(true);
+        break;
+    case u'U':
+        two_digits((local_.tm_yday + 7 - local_.tm_wday) / 7);
+        break;
+    case u'V':
+        two_digits(iso_week_of(local_).week);
+        break;
+    case u'W':
+        two_digits((local_.tm_yday + 7 - (local_.tm_wday + 6) % 7) / 7);
+        break;
+    case u'Y':
+        year(local_.tm_year + 1900);
+        break;
+    case u'd':
+        two_digits(local_.tm_mday);
+        break;
+    case u'e':
+        two_digits(local_.tm_mday, u' ');
+        break;
+    case u'g':
+        two_digits(iso_week_of(local_).year % 100);
+        break;
+    case u'j':
+        put(static_cast<char16_t>(u'0' + (local_.tm_yday + 1) / 100));
+        two_digits((local_.tm_yday + 1) % 100);
+        break;
+    case u'm':
+        two_digits(local_.tm_mon + 1);
+        break;
+    case u'n':
+        put(u'\n');
+        break;
+    case u's':
+        number(static_cast<std::uint64_t>(seconds_));
+        break;
+    case u't':
+        put(u'\t');
+        break;
+    case u'u':
+        number(local_.tm_wday == 0 ? 7U : static_cast<unsigned>(local_.tm_wday));
+        break;
+    case u'w':
+        number(static_cast<unsigned>(local_.tm_wday));
+        break;
+    case u'y':
+        two_digits(local_.tm_year % 100);
+        break;
+    case u'z':
+        zone_offset();
+        break;
+    case u'a':
+    case u'A':
+    case u'b':
+    case u'B':
+    case u'c':
+    case u'h':
+    case u'p':
+    case u'r':
+    case u'x':
+    case u'X':
+    case u'Z': {
+        std::array<char16_t, longest_system_text> text;
+        put_text(std::u16string_view(text.data(), write_system_text(text, conversion, local_)));
+        break;
+    }
+    default:
+        put(u'%');
+        put(conversion);
+        break;
+    }
 }
 
 } // namespace fmtkit::details

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "format/argument.h"
+#include "format/compiled_format.h"
+
+#include <cstddef>
+#include <string_view>
+
+// One item of a format written to memory that the caller has measured.
+
+namespace fmtkit::details {
+
+/// A result of up to this many units is made on the stack.
+inline constexpr std::size_t short_result = 256;
+
+constexpr bool is_without_width(const FormatItem& item) noexcept
+{
+    return item.minWidth == 0 && item.maxWidth == 0;
+}
+
+template <typename Char>
+constexpr auto own_text = sizeof(Char) == 1 ? argument::kind::narrow_text : argument::kind::wide_text;
+
+/// Units that are enough for write_argument, found without looking into the text. It may be more than is written.
+template <typename Char>
+std::size_t quick_room(const FormatItem& item, const argument& value) noexcept;
+
+/// The same, and no more than are written or, for what is cut after it was written, than are written before the cut.
+template <typename Char>
+std::size_t exact_room(std::basic_string_view<Char> format, const FormatItem& item, const argument& value);
+
+/// Writes an argument by the rules of a specifier that is no condition.
+/// \param format  the format text, where the patterns of time items stand
+/// \return the end of what was written
+template <typename Char>
+Char* write_argument(Char* out, std::basic_string_view<Char> format, const FormatItem& item, const argument& value);
+
+/// write_argument where quick_room says that it fits in front of `limit`; else null.
+template <typename Char>
+Char* write_argument_if_it_fits(Char* out, const Char* limit, std::basic_string_view<Char> format,
+                                const FormatItem& item, const argument& value);
+
+/// Writes a literal with escaped braces, at most its own length.
+template <typename Char>
+Char* write_escaped(Char* out, std::basic_string_view<Char> literal) noexcept;
+
+} // namespace fmtkit::details
