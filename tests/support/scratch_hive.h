@@ -4,6 +4,8 @@
 
 #include <windows.h>
 
+#include <string>
+
 namespace support {
 
 /// Redirects this process's HKEY_LOCAL_MACHINE to an empty key for the object's life.
@@ -11,8 +13,9 @@ class scratch_hive {
 public:
     scratch_hive()
     {
-        ::RegDeleteTreeW(HKEY_CURRENT_USER, path);
-        ::RegCreateKeyExW(HKEY_CURRENT_USER, path, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, key_.put(), nullptr);
+        ::RegDeleteTreeW(HKEY_CURRENT_USER, path_.c_str());
+        ::RegCreateKeyExW(HKEY_CURRENT_USER, path_.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, key_.put(),
+                          nullptr);
         ::RegOverridePredefKey(HKEY_LOCAL_MACHINE, key_.get());
     }
     scratch_hive(const scratch_hive&) = delete;
@@ -21,11 +24,12 @@ public:
     {
         ::RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr);
         key_.reset();
-        ::RegDeleteTreeW(HKEY_CURRENT_USER, path);
+        ::RegDeleteTreeW(HKEY_CURRENT_USER, path_.c_str());
     }
 
 private:
-    static constexpr const wchar_t* path = L"Software\\Zelmark scratch hive";
+    /// Other test programs may run at the same time.
+    std::wstring path_ = L"Software\\Zelmark scratch hive " + std::to_wstring(::GetCurrentProcessId());
 
     girder::unique_registry_key key_;
 };
