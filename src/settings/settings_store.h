@@ -11,7 +11,7 @@
 
 namespace tidelink {
 
-/// "Software\Zelmark\Tidelink Server 7.01" for product version 7.1; all numbers are 0 in a program without a version.
+/// The key of the running program's product version; of version 0.0 in a program without one.
 /// \throws girder::system_error
 std::u16string SettingsKeyPath();
 

@@ -2,11 +2,10 @@
 #include "base/system_error.h"
 #include "base/utf.h"
 #include "base/wide.h"
-#include "format/format.h"
-#include "format/literals.h"
 #include "registry/key_store.h"
 #include "serialisation/load_exception.h"
 #include "service/reload_event.h"
+#include "settings/settings_key.h"
 #include "settings/settings_store.h"
 
 #include <windows.h>
@@ -14,10 +13,7 @@
 namespace tidelink {
 namespace {
 
-using namespace fmtkit::literals;
 using girder::registry_ex::RegistryKeyStore;
-
-constexpr auto key_path_format = uR"(Software\Zelmark\Tidelink Server {}.{w2arf0})"_fmt;
 
 RegistryKeyStore store_for_loading()
 {
@@ -28,8 +24,7 @@ RegistryKeyStore store_for_loading()
 
 std::u16string SettingsKeyPath()
 {
-    const girder::product_version version = girder::read_product_version();
-    return fmtkit::format(key_path_format, version.major, version.minor);
+    return SettingsKeyPath(girder::read_product_version());
 }
 
 ServerSettings LoadSettings()
