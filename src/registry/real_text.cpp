@@ -5,9 +5,12 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstddef>
 #include <cstdio>
+#include <cstdlib>
 #include <limits>
 #include <string_view>
+#include <system_error>
 
 namespace girder::registry_ex {
 namespace {
@@ -22,46 +25,110 @@ std::optional<Real> parse(std::string_view text)
     return value;
 }
 
-/// C runtimes write exponents of two or three digits: 1e+022.
-std::string without_leading_exponent_zeros(std::string text)
+/// digits[0].digits[1]digits[2]... times 10 to the exponent.
+struct decimal {
+    std::string digits;
+    int exponent = 0;
+};
+
+decimal rounded(double magnitude, int digit_count)
 {
-    const std::size_t exponent = text.find('e');
-    if (exponent == std::string::npos)
-        return text;
-    const std::size_t digits = exponent + 2;
-    const std::size_t first = std::min(text.find_first_not_of('0', digits), text.size() - 1);
-    return text.erase(digits, first - digits);
+    char buffer[32];
+    const int length = std::snprintf(buffer, sizeof buffer, "%.*e", digit_count - 1, magnitude);
+    const std::string_view text(buffer, static_cast<std::size_t>(length));
+    const std::size_t e = text.find('e');
+    decimal number{.digits = std::string(text.substr(0, e)),
+                   .exponent = static_cast<int>(std::strtol(&buffer[e + 1], nullptr, 10))};
+    if (digit_count > 1)
+        number.digits.erase(1, 1);
+    return number;
+}
+
+/// The next larger number of as many digits.
+decimal next_larger(decimal number)
+{
+    std::size_t last = number.digits.find_last_not_of('9');
+    if (last == std::string::npos) {
+        ++number.exponent;
+        number.digits.insert(0, 1, '0');
+        number.digits.pop_back();
+        last = 0;
+    }
+    ++number.digits[last];
+    std::fill(number.digits.begin() + static_cast<std::ptrdiff_t>(last) + 1, number.digits.end(), '0');
+    return number;
+}
+
+std::string without_exponent(const decimal& number)
+{
+    if (number.exponent < 0)
+        return "0." + std::string(static_cast<std::size_t>(-number.exponent - 1), '0') + number.digits;
+    std::string text = number.digits;
+    const auto whole_digits = static_cast<std::size_t>(number.exponent) + 1;
+    if (text.size() <= whole_digits)
+        text.append(whole_digits - text.size(), '0');
+    else
+        text.insert(whole_digits, 1, '.');
+    return text;
+}
+
+std::string with_exponent(const decimal& number)
+{
+    std::string text = number.digits;
+    if (text.size() > 1)
+        text.insert(1, 1, '.');
+    const int magnitude = std::abs(number.exponent);
+    text += number.exponent < 0 ? "e-" : "e+";
+    if (magnitude < 10)
+        text += '0';
+    return text + std::to_string(magnitude);
+}
+
+std::string text_of(const decimal& number)
+{
+    const std::string plain = without_exponent(number);
+    const std::string scientific = with_exponent(number);
+    return plain.size() <= scientific.size() ? plain : scientific;
 }
 
 // std::to_chars would bring 170 KiB of tables along; some attempts at a text that is rarely written cost nothing.
 template <typename Real>
-std::u16string shortest_text(Real value)
+std::string shortest_text(Real magnitude)
 {
-    if (std::isnan(value))
-        return u"nan";
-    if (std::isinf(value))
-        return value < 0 ? u"-inf" : u"inf";
+    if (std::isnan(magnitude))
+        return "nan";
+    if (std::isinf(magnitude))
+        return "inf";
     std::string text;
     for (int digits = 1; digits <= std::numeric_limits<Real>::max_digits10; ++digits) {
-        char buffer[32];
-        const int length = std::snprintf(buffer, sizeof buffer, "%.*g", digits, static_cast<double>(value));
-        text = without_leading_exponent_zeros({buffer, static_cast<std::size_t>(length)});
-        if (parse<Real>(text) == value)
-            break;
+        const decimal nearest = rounded(static_cast<double>(magnitude), digits);
+        // Above a power of two, twice as many decimals read back as it than below: the nearest need not be among them.
+        for (const decimal& candidate : {nearest, next_larger(nearest)}) {
+            text = text_of(candidate);
+            if (parse<Real>(text) == magnitude)
+                return text;
+        }
     }
-    return to_utf16(text);
+    return text;
+}
+
+template <typename Real>
+std::u16string signed_text(Real value)
+{
+    const bool has_sign = std::signbit(value) && !std::isnan(value);
+    return to_utf16((has_sign ? "-" : "") + shortest_text(std::abs(value)));
 }
 
 } // namespace
 
 std::u16string to_text(double value)
 {
-    return shortest_text(value);
+    return signed_text(value);
 }
 
 std::u16string to_text(float value)
 {
-    return shortest_text(value);
+    return signed_text(value);
 }
 
 template <typename Real>

@@ -5,7 +5,8 @@
 
 namespace girder::registry_ex {
 
-/// The decimal text of the fewest significant digits that reads back as the same value: "0.1", "1e+22", "-inf", "nan".
+/// The shortest decimal text that reads back as the same value: "0.1", "1000", "1e+22", "-inf", "nan"; of a text with
+/// and one without an exponent that are equally long, the one without.
 std::u16string to_text(double value);
 std::u16string to_text(float value);
 

@@ -1,13 +1,9 @@
 #include "registry/date_text.h"
-#include "registry/real_text.h"
 #include "registry/stored_value.h"
 #include "serialisation/load_exception.h"
 #include "support/cases.h"
 
-#include <bit>
 #include <functional>
-#include <limits>
-#include <random>
 
 namespace {
 
@@ -97,25 +93,6 @@ TEST(stored_value_test, numbers_of_both_sizes)
     EXPECT_EQ(number(value_type::dword, 0xFFFFFFFF, 4).as_unsigned(), 0xFFFFFFFFU);
     EXPECT_TRUE(number(value_type::qword, std::uint64_t{1} << 40, 8).as_boolean());
     EXPECT_FALSE(number(value_type::qword, 0, 8).as_boolean());
-}
-
-TEST(real_text_test, is_the_shortest_that_reads_back)
-{
-    using girder::registry_ex::parse_real;
-    using girder::registry_ex::to_text;
-    EXPECT_EQ(to_text(0.1), u"0.1");
-    EXPECT_EQ(to_text(0.1F), u"0.1");
-    EXPECT_EQ(to_text(1e22), u"1e+22");
-    EXPECT_EQ(to_text(5e-324), u"5e-324");
-    EXPECT_EQ(to_text(1.0 / 3), u"0.3333333333333333");
-    EXPECT_EQ(to_text(-std::numeric_limits<double>::infinity()), u"-inf");
-    EXPECT_EQ(to_text(std::numeric_limits<double>::quiet_NaN()), u"nan");
-    std::mt19937_64 random(7);
-    for (int i = 0; i < 2000; ++i) {
-        const auto value = std::bit_cast<double>(random());
-        if (value == value)
-            ASSERT_EQ(parse_real<double>(to_text(value)), value);
-    }
 }
 
 struct date_case {
