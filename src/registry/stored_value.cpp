@@ -13,9 +13,9 @@ namespace {
 
 using nsm::details::load_exception;
 
-[[noreturn]] void refuse(const char* text)
+[[noreturn]] void refuse_format()
 {
-    throw load_exception(text);
+    throw load_exception(nsm::details::bad_format);
 }
 
 bool is_number_type(std::uint32_t type)
@@ -27,13 +27,6 @@ bool is_number_type(std::uint32_t type)
 bool is_known_type(std::uint32_t type)
 {
     return type == value_type::text || type == value_type::binary || is_number_type(type);
-}
-
-/// Throws for a value that is not of the wanted kind.
-void expect_kind(bool is_kind, std::uint32_t type, const char* expected)
-{
-    if (!is_kind)
-        refuse(is_known_type(type) ? expected : nsm::details::bad_format);
 }
 
 template <typename Number>
@@ -49,10 +42,15 @@ Real real_in(const std::u16string& text)
 {
     if (const std::optional<Real> parsed = parse_real<Real>(text))
         return *parsed;
-    refuse(nsm::details::bad_format);
+    refuse_format();
 }
 
 } // namespace
+
+void stored_value::refuse_kind(const char* expected) const
+{
+    throw load_exception(is_known_type(type) ? expected : nsm::details::bad_format);
+}
 
 bool stored_value::is_null() const noexcept
 {
@@ -66,17 +64,19 @@ bool stored_value::is_binary() const noexcept
 
 file_time stored_value::as_date() const
 {
-    expect_kind(type == value_type::text, type, nsm::details::date_expected);
+    if (type != value_type::text)
+        refuse_kind(nsm::details::date_expected);
     if (const auto parsed = parse_date(as_string()))
         return *parsed;
-    refuse(nsm::details::bad_format);
+    refuse_format();
 }
 
 std::u16string stored_value::as_string() const
 {
-    expect_kind(type == value_type::text, type, nsm::details::string_expected);
+    if (type != value_type::text)
+        refuse_kind(nsm::details::string_expected);
     if (data.size() % sizeof(char16_t) != 0)
-        refuse(nsm::details::bad_format);
+        refuse_format();
     std::u16string text(data.size() / sizeof(char16_t), u'\0');
     if (!text.empty())
         std::memcpy(text.data(), data.data(), data.size());
@@ -90,17 +90,18 @@ nsm::guid stored_value::as_guid() const
 {
     if (const auto parsed = parse_guid(as_string()))
         return *parsed;
-    refuse(nsm::details::bad_format);
+    refuse_format();
 }
 
 std::uint64_t stored_value::as_unsigned() const
 {
-    expect_kind(is_number_type(type), type, nsm::details::number_expected);
+    if (!is_number_type(type))
+        refuse_kind(nsm::details::number_expected);
     if (type == value_type::dword && data.size() == sizeof(std::uint32_t))
         return number_in<std::uint32_t>(data);
     if (type == value_type::qword && data.size() == sizeof(std::uint64_t))
         return number_in<std::uint64_t>(data);
-    refuse(nsm::details::bad_format);
+    refuse_format();
 }
 
 std::int64_t stored_value::as_signed() const
@@ -113,7 +114,8 @@ double stored_value::as_double() const
 {
     if (is_number_type(type))
         return static_cast<double>(as_signed());
-    expect_kind(type == value_type::text, type, nsm::details::number_expected);
+    if (type != value_type::text)
+        refuse_kind(nsm::details::number_expected);
     return real_in<double>(as_string());
 }
 
@@ -121,19 +123,22 @@ float stored_value::as_float() const
 {
     if (is_number_type(type))
         return static_cast<float>(as_signed());
-    expect_kind(type == value_type::text, type, nsm::details::number_expected);
+    if (type != value_type::text)
+        refuse_kind(nsm::details::number_expected);
     return real_in<float>(as_string());
 }
 
 bool stored_value::as_boolean() const
 {
-    expect_kind(is_number_type(type), type, nsm::details::boolean_expected);
+    if (!is_number_type(type))
+        refuse_kind(nsm::details::boolean_expected);
     return as_unsigned() != 0;
 }
 
 std::vector<std::byte> stored_value::as_binary() const
 {
-    expect_kind(type == value_type::binary, type, nsm::details::array_expected);
+    if (type != value_type::binary)
+        refuse_kind(nsm::details::array_expected);
     return data;
 }
 

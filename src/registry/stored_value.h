@@ -27,6 +27,9 @@ struct stored_value {
     std::uint32_t type = 0;
     std::vector<std::byte> data;
 
+    /// Throws for a value that is not of the wanted kind.
+    [[noreturn]] void refuse_kind(const char* expected) const;
+
     bool is_null() const noexcept;
     bool is_binary() const noexcept;
 

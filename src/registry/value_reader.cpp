@@ -2,11 +2,14 @@
 
 #include "base/utf.h"
 #include "base/wide.h"
+#include "registry/single_value_reader.h"
+#include "serialisation/field_values.h"
 #include "serialisation/load_exception.h"
 
 #include <algorithm>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace girder::registry_ex {
@@ -18,39 +21,6 @@ using nsm::details::load_exception;
 {
     throw load_exception(text);
 }
-
-/// A single value as a source.
-class single_value_reader : public nsm::value_reader {
-public:
-    single_value_reader(stored_value value, std::uint32_t capabilities) noexcept
-        : value_(std::move(value)), capabilities_(capabilities)
-    {}
-
-    std::uint32_t capabilities() const noexcept override { return capabilities_; }
-    bool is_null() const override { return value_.is_null(); }
-    bool is_binary() const override { return value_.is_binary(); }
-    file_time as_date() const override { return value_.as_date(); }
-    std::u16string as_string() const override { return value_.as_string(); }
-    nsm::guid as_guid() const override { return value_.as_guid(); }
-    std::uint64_t as_unsigned() const override { return value_.as_unsigned(); }
-    std::int64_t as_signed() const override { return value_.as_signed(); }
-    double as_double() const override { return value_.as_double(); }
-    float as_float() const override { return value_.as_float(); }
-    bool as_boolean() const override { return value_.as_boolean(); }
-    std::vector<std::byte> as_binary() const override { return value_.as_binary(); }
-    void visit_members(const member_visitor&) const override { refuse(nsm::details::object_expected); }
-    std::uint32_t structure_version() const override { refuse(nsm::details::object_expected); }
-    /// Only bytes and keys hold arrays.
-    void visit_elements(const element_visitor&) const override
-    {
-        const bool is_other_kind = value_.type == REG_SZ || value_.type == REG_DWORD || value_.type == REG_QWORD;
-        refuse(is_other_kind ? nsm::details::array_expected : nsm::details::bad_format);
-    }
-
-private:
-    stored_value value_;
-    std::uint32_t capabilities_;
-};
 
 struct name_lengths {
     DWORD subkey = 0;
@@ -81,8 +51,10 @@ std::vector<std::u16string> enumerate_names(DWORD longest, Enumerate enumerate)
             --index;
             continue;
         }
-        if (status != ERROR_SUCCESS)
+        if (status == ERROR_NO_MORE_ITEMS)
             return names;
+        if (status != ERROR_SUCCESS)
+            refuse(nsm::details::bad_format);
         names.emplace_back(buffer, 0, length);
     }
 }
@@ -126,6 +98,17 @@ stored_value unreadable_value()
 {
     constexpr std::uint32_t no_type = 0xFFFFFFFF;
     return {.type = no_type, .data = {}};
+}
+
+/// "@count" or "@version"; empty when the key has none.
+std::optional<std::uint32_t> own_number(HKEY key, const char16_t* name)
+{
+    std::optional<stored_value> stored = query(key, name);
+    if (!stored)
+        return std::nullopt;
+    std::uint32_t number = 0;
+    nsm::read_value(single_value_reader(std::move(*stored), 0), number);
+    return number;
 }
 
 /// Calls `visit` with the value of that name.
@@ -189,22 +172,24 @@ struct element {
     bool is_subkey;
 };
 
-void add_elements(std::vector<element>& elements, const std::vector<std::u16string>& names, bool are_subkeys)
+void add_elements(std::vector<element>& elements, const std::vector<std::u16string>& names, bool are_subkeys,
+                  std::uint32_t count)
 {
     constexpr std::size_t longest_index = 9;
     for (const std::u16string& name : names) {
         const std::u16string_view digits = std::u16string_view(name).substr(0, name.find(u'@'));
-        if (const auto index = decimal(digits, longest_index))
+        const auto index = decimal(digits, longest_index);
+        if (index && *index < count)
             elements.push_back({.index = *index, .name = name, .is_subkey = are_subkeys});
     }
 }
 
-/// By index, without gaps or doubles.
-std::vector<element> elements_of(HKEY key, std::uint64_t count)
+/// By index, without gaps or doubles. Elements behind the count are left from a longer array of the same name.
+std::vector<element> elements_of(HKEY key, std::uint32_t count)
 {
     std::vector<element> elements;
-    add_elements(elements, value_names(key), false);
-    add_elements(elements, subkey_names(key), true);
+    add_elements(elements, value_names(key), false, count);
+    add_elements(elements, subkey_names(key), true, count);
     std::ranges::sort(elements, {}, &element::index);
     bool complete = elements.size() == count;
     for (std::size_t i = 0; i < elements.size(); ++i)
@@ -281,16 +266,15 @@ void RegistryValueReader::visit_members(const member_visitor& visit) const
 
 std::uint32_t RegistryValueReader::structure_version() const
 {
-    const std::optional<stored_value> version = query(key_.get(), u"@version");
-    return version ? static_cast<std::uint32_t>(version->as_unsigned()) : 0;
+    return own_number(key_.get(), u"@version").value_or(0);
 }
 
 void RegistryValueReader::visit_elements(const element_visitor& visit) const
 {
-    const std::optional<stored_value> count = query(key_.get(), u"@count");
+    const std::optional<std::uint32_t> count = own_number(key_.get(), u"@count");
     if (!count)
         refuse(nsm::details::array_expected);
-    for (const element& each : elements_of(key_.get(), count->as_unsigned())) {
+    for (const element& each : elements_of(key_.get(), *count)) {
         if (each.is_subkey)
             visit_subkey(key_.get(), each.name, capabilities_, visit);
         else

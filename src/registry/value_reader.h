@@ -1,7 +1,6 @@
 #pragma once
 
 #include "base/handles.h"
-#include "registry/stored_value.h"
 #include "serialisation/visitor.h"
 
 #include <windows.h>
@@ -34,8 +33,8 @@ public:
     /// The key's values, then its subkeys; "@count" and "@version" are no members.
     void visit_members(const member_visitor& visit) const override;
     std::uint32_t structure_version() const override;
-    /// By index. \throws load_exception "Array expected" without "@count", "Bad format" when another number of elements
-    ///                is stored than it says, or an index twice
+    /// As many as "@count" says, by index.
+    /// \throws load_exception "Array expected" without "@count", "Bad format" when an element is missing or there twice
     void visit_elements(const element_visitor& visit) const override;
 
 private:

@@ -3,6 +3,7 @@
 #include "serialisation/load_exception.h"
 
 #include <limits>
+#include <utility>
 
 namespace girder::nsm {
 namespace {
@@ -27,14 +28,6 @@ std::vector<std::uint32_t> from_little_endian(const std::vector<std::byte>& byte
     for (std::size_t i = 0; i < bytes.size(); ++i)
         numbers[i / number_size] |= std::to_integer<std::uint32_t>(bytes[i]) << (8 * (i % number_size));
     return numbers;
-}
-
-std::uint32_t element_number(const value_reader& element)
-{
-    const std::uint64_t number = element.as_unsigned();
-    if (number > std::numeric_limits<std::uint32_t>::max())
-        throw details::load_exception(details::bad_format);
-    return static_cast<std::uint32_t>(number);
 }
 
 } // namespace
@@ -71,6 +64,14 @@ void read_value(const value_reader& reader, bool& value)
     value = reader.as_boolean();
 }
 
+void read_value(const value_reader& reader, std::uint32_t& value)
+{
+    const std::uint64_t number = reader.as_unsigned();
+    if (number > std::numeric_limits<std::uint32_t>::max())
+        throw details::load_exception(details::bad_format);
+    value = static_cast<std::uint32_t>(number);
+}
+
 void read_value(const value_reader& reader, std::vector<std::uint32_t>& value)
 {
     if (reader.is_binary()) {
@@ -78,7 +79,7 @@ void read_value(const value_reader& reader, std::vector<std::uint32_t>& value)
         return;
     }
     std::vector<std::uint32_t> numbers;
-    reader.visit_elements([&numbers](const value_reader& element) { numbers.push_back(element_number(element)); });
+    reader.visit_elements([&numbers](const value_reader& element) { read_value(element, numbers.emplace_back()); });
     value = std::move(numbers);
 }
 

@@ -19,6 +19,8 @@ void write_value(value_writer& writer, value_name name, const std::vector<std::u
 
 void read_value(const value_reader& reader, std::u16string& value);
 void read_value(const value_reader& reader, bool& value);
+/// Larger numbers are "Bad format".
+void read_value(const value_reader& reader, std::uint32_t& value);
 /// Accepts both representations, whatever the store can do.
 void read_value(const value_reader& reader, std::vector<std::uint32_t>& value);
 
