@@ -1,41 +1,132 @@
-#include "registry/stored_value.h"
+// Registry values of any type and bytes, as any program may leave them: each is read or refused with a listed text, and
+// whatever stands in a settings key, a record comes out of it.
+
+#include "registry/guid_text.h"
+#include "registry/single_value_reader.h"
 #include "serialisation/load_exception.h"
+#include "settings/server_settings.h"
 
-#include <cstddef>
-#include <cstdint>
-#include <cstring>
-
-// The first byte is the registry type, the rest the value's data.
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <functional>
+#include <span>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 namespace {
 
-template <typename Read>
-void attempt(Read read)
+using namespace girder;
+using namespace tidelink;
+using nsm::details::load_exception;
+using registry_ex::single_value_reader;
+using registry_ex::stored_value;
+
+void require(bool holds)
+{
+    if (!holds)
+        std::abort();
+}
+
+void require_listed(const load_exception& error)
+{
+    namespace texts = nsm::details;
+    constexpr std::array listed{texts::object_expected, texts::array_expected,   texts::string_expected,
+                                texts::number_expected, texts::boolean_expected, texts::date_expected,
+                                texts::bad_format};
+    require(std::ranges::find(listed, std::string_view(error.what())) != listed.end());
+}
+
+using named_values = std::vector<std::pair<std::string_view, stored_value>>;
+
+/// A key without subkeys.
+class fuzzed_key final : public single_value_reader {
+public:
+    explicit fuzzed_key(named_values values) : single_value_reader({}, 0), values_(std::move(values)) {}
+
+    void visit_members(const member_visitor& visit) const override
+    {
+        for (const auto& [name, value] : values_)
+            visit(name, single_value_reader(value, 0));
+    }
+
+private:
+    named_values values_;
+};
+
+/// \return whether `read` was not refused
+bool reads(const std::function<void()>& read)
 {
     try {
-        static_cast<void>(read());
-    } catch (const girder::nsm::details::load_exception&) {
-        // A refusal is an outcome like any other.
+        read();
+        return true;
+    } catch (const load_exception& error) {
+        require_listed(error);
+        return false;
     }
+}
+
+void check_value(const stored_value& stored)
+{
+    const single_value_reader value(stored, 0);
+    const std::size_t size = stored.data.size();
+    reads([&] { require(value.as_string().size() * sizeof(char16_t) <= size); });
+    reads([&] { require(value.as_binary() == stored.data); });
+    reads([&] { require(value.as_boolean() == (value.as_unsigned() != 0)); });
+    reads([&] { require(static_cast<std::uint64_t>(value.as_signed()) == value.as_unsigned() || size == 4); });
+    reads([&] { value.as_date(); });
+    reads([&] { require(registry_ex::parse_guid(registry_ex::to_text(value.as_guid())) == value.as_guid()); });
+    // A number is out of the smaller type's range more often.
+    require(!reads([&] { value.as_float(); }) || reads([&] { value.as_double(); }));
+    reads([&] {
+        std::vector<std::uint32_t> numbers;
+        nsm::read_value(value, numbers);
+        require(numbers.size() * sizeof(std::uint32_t) == size);
+    });
+}
+
+void check_key(const fuzzed_key& key)
+{
+    ServerSettings tolerant = DefaultServerSettings();
+    std::size_t failures = 0;
+    ReadTolerantly(key, tolerant, [&failures](std::string_view, const load_exception& error) {
+        ++failures;
+        require_listed(error);
+    });
+    ServerSettings strict = DefaultServerSettings();
+    const bool readable = reads([&] { Read(key, strict); });
+    require(readable == (failures == 0));
+    require(!readable || strict == tolerant);
+}
+
+/// A field's, or one that is no field's.
+std::string_view name_of(std::size_t number)
+{
+    constexpr auto fields = server_settings_fields.names;
+    const std::size_t index = number % (fields.size() + 1);
+    return index < fields.size() ? fields[index] : "other";
 }
 
 } // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* input, std::size_t size)
+/// Each value: a byte for the name, one for the type, one for the size, and its bytes.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    if (size == 0)
-        return 0;
-    girder::registry_ex::stored_value value{.type = input[0], .data = std::vector<std::byte>(size - 1)};
-    if (size > 1)
-        std::memcpy(value.data.data(), input + 1, size - 1);
-    attempt([&] { return value.as_string(); });
-    attempt([&] { return value.as_boolean(); });
-    attempt([&] { return value.as_unsigned(); });
-    attempt([&] { return value.as_signed(); });
-    attempt([&] { return value.as_double(); });
-    attempt([&] { return value.as_float(); });
-    attempt([&] { return value.as_date(); });
-    attempt([&] { return value.as_guid(); });
-    attempt([&] { return value.as_binary(); });
+    constexpr std::size_t header = 3;
+    constexpr std::size_t most_values = 6; // refusals are slow
+    std::span<const std::byte> rest = std::as_bytes(std::span(data, size));
+    named_values values;
+    while (rest.size() >= header && values.size() < most_values) {
+        const std::string_view name = name_of(std::to_integer<std::size_t>(rest[0]));
+        const auto type = std::to_integer<std::uint32_t>(rest[1]);
+        const std::size_t length = std::min(std::to_integer<std::size_t>(rest[2]), rest.size() - header);
+        const auto bytes = rest.subspan(header, length);
+        values.emplace_back(name, stored_value{.type = type, .data = {bytes.begin(), bytes.end()}});
+        rest = rest.subspan(header + length);
+    }
+    if (!values.empty())
+        check_value(values.front().second);
+    check_key(fuzzed_key(std::move(values)));
     return 0;
 }
