@@ -91,44 +91,49 @@ std::string text_of(const decimal& number)
     return plain.size() <= scientific.size() ? plain : scientific;
 }
 
-// std::to_chars would bring 170 KiB of tables along; some attempts at a text that is rarely written cost nothing.
+using read_back_check = bool (*)(const std::string& text, double value);
+
 template <typename Real>
-std::string shortest_text(Real magnitude)
+bool reads_back_as(const std::string& text, double value)
+{
+    return parse<Real>(text) == static_cast<Real>(value);
+}
+
+// std::to_chars would bring 170 KiB of tables along; some attempts at a text that is rarely written cost nothing.
+std::string shortest_text(double magnitude, read_back_check reads_back)
 {
     if (std::isnan(magnitude))
         return "nan";
     if (std::isinf(magnitude))
         return "inf";
-    std::string text;
-    for (int digits = 1; digits <= std::numeric_limits<Real>::max_digits10; ++digits) {
-        const decimal nearest = rounded(static_cast<double>(magnitude), digits);
+    for (int digits = 1;; ++digits) {
+        const decimal nearest = rounded(magnitude, digits);
+        std::string text = text_of(nearest);
+        if (digits == std::numeric_limits<double>::max_digits10 || reads_back(text, magnitude))
+            return text;
         // Above a power of two, twice as many decimals read back as it than below: the nearest need not be among them.
-        for (const decimal& candidate : {nearest, next_larger(nearest)}) {
-            text = text_of(candidate);
-            if (parse<Real>(text) == magnitude)
-                return text;
-        }
+        text = text_of(next_larger(nearest));
+        if (reads_back(text, magnitude))
+            return text;
     }
-    return text;
 }
 
-template <typename Real>
-std::u16string signed_text(Real value)
+std::u16string signed_text(double value, read_back_check reads_back)
 {
     const bool has_sign = std::signbit(value) && !std::isnan(value);
-    return to_utf16((has_sign ? "-" : "") + shortest_text(std::abs(value)));
+    return to_utf16((has_sign ? "-" : "") + shortest_text(std::abs(value), reads_back));
 }
 
 } // namespace
 
 std::u16string to_text(double value)
 {
-    return signed_text(value);
+    return signed_text(value, &reads_back_as<double>);
 }
 
 std::u16string to_text(float value)
 {
-    return signed_text(value);
+    return signed_text(value, &reads_back_as<float>);
 }
 
 template <typename Real>
