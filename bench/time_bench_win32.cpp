@@ -1,3 +1,4 @@
+#include "base/wide.h"
 #include "format/format.h"
 #include "format/literals.h"
 #include "harness.h"
@@ -8,6 +9,7 @@
 #include <ctime>
 #include <cwchar>
 #include <string>
+#include <string_view>
 
 // The time stamp of the platform's own function beside ours.
 
@@ -18,11 +20,11 @@ using namespace fmtkit::literals;
 std::array<__time64_t, 100> drawn;
 
 /// The runtime has neither %F nor %T nor a numeric zone.
-std::u16string by_wcsftime(__time64_t seconds)
+/// \return the length
+std::size_t write_by_wcsftime(wchar_t (&buffer)[64], __time64_t seconds)
 {
     std::tm local{};
     _localtime64_s(&local, &seconds);
-    wchar_t buffer[64];
     std::size_t length = std::wcsftime(buffer, 64, L"%Y-%m-%dT%H:%M:%S", &local);
     std::tm as_utc = local;
     const auto minutes = static_cast<int>((_mkgmtime64(&as_utc) - seconds) / 60);
@@ -32,13 +34,42 @@ std::u16string by_wcsftime(__time64_t seconds)
           static_cast<wchar_t>(L'0' + distance / 60 % 10), static_cast<wchar_t>(L'0' + distance % 60 / 10),
           static_cast<wchar_t>(L'0' + distance % 10)})
         buffer[length++] = unit;
+    return length;
+}
+
+girder::file_time at(__time64_t seconds)
+{
+    return {girder::unix_epoch_ticks + seconds * girder::ticks_per_second};
+}
+
+// Into a fresh string, whose allocation takes longer than formatting.
+
+std::u16string fresh_by_wcsftime(__time64_t seconds)
+{
+    wchar_t buffer[64];
+    const std::size_t length = write_by_wcsftime(buffer, seconds);
     return {buffer, buffer + length};
 }
 
-std::u16string by_format(__time64_t seconds)
+std::u16string fresh_by_format(__time64_t seconds)
 {
-    const girder::file_time time{girder::unix_epoch_ticks + seconds * girder::ticks_per_second};
-    return fmtkit::format(u"{t(%FT%T%z)}"_fmt, time);
+    return fmtkit::format(u"{t(%FT%T%z)}"_fmt, at(seconds));
+}
+
+// Into memory that is there.
+
+std::u16string_view reused_by_wcsftime(__time64_t seconds)
+{
+    static wchar_t buffer[64];
+    return girder::as_utf16({buffer, write_by_wcsftime(buffer, seconds)});
+}
+
+std::u16string_view reused_by_format(__time64_t seconds)
+{
+    static std::u16string text;
+    text.clear();
+    fmtkit::append(text, u"{t(%FT%T%z)}"_fmt, at(seconds));
+    return text;
 }
 
 /// From calendar arithmetic alone, in the zone of the run: central European time with the runtime's own idea of summer.
@@ -75,14 +106,20 @@ bench::participant writes(const char* name, Make make)
 
 int main()
 {
+    const auto draw = [](bench::random_source& random) {
+        std::uniform_int_distribution<__time64_t> seconds(0, 2'000'000'000);
+        std::ranges::generate(drawn, [&] { return seconds(random); });
+    };
     bench::report report("Formatting a time on Windows");
-    report.compare({.work = "F5 `{t(%FT%T%z)}`",
+    report.compare({.work = "F5 `{t(%FT%T%z)}`, into a buffer or a reused string",
                     .goal = 0.06,
-                    .subject = writes("known at build time", by_format),
-                    .peers = {writes("wcsftime", by_wcsftime)},
-                    .draw = [](bench::random_source& random) {
-                        std::uniform_int_distribution<__time64_t> seconds(0, 2'000'000'000);
-                        std::ranges::generate(drawn, [&] { return seconds(random); });
-                    }});
+                    .subject = writes("known at build time", reused_by_format),
+                    .peers = {writes("wcsftime", reused_by_wcsftime)},
+                    .draw = draw});
+    report.compare({.work = "F5 `{t(%FT%T%z)}`, into a fresh string",
+                    .goal = 0,
+                    .subject = writes("known at build time", fresh_by_format),
+                    .peers = {writes("wcsftime", fresh_by_wcsftime)},
+                    .draw = draw});
     return report.exit_code();
 }
