@@ -46,6 +46,7 @@ public:
 
     constexpr kind type() const noexcept { return kind_; }
     constexpr bool is_number() const noexcept { return kind_ == kind::signed_number || kind_ == kind::unsigned_number; }
+    constexpr bool is_text() const noexcept { return kind_ == kind::wide_text || kind_ == kind::narrow_text; }
     /// Of a condition its value; everything else counts as true.
     constexpr bool is_true() const noexcept { return kind_ != kind::condition || bits_ != 0; }
 
@@ -56,6 +57,7 @@ public:
     /// The number read as unsigned, in its own width.
     constexpr std::uint64_t as_unsigned() const noexcept { return narrow_ ? static_cast<std::uint32_t>(bits_) : bits_; }
     constexpr girder::file_time time() const noexcept { return {static_cast<std::int64_t>(bits_)}; }
+    constexpr std::size_t size() const noexcept { return size_; }
     constexpr std::u16string_view wide_text() const noexcept { return {wide_, size_}; }
     constexpr std::string_view narrow_text() const noexcept { return {bytes_, size_}; }
     template <typename Char>

@@ -35,7 +35,7 @@ inline Char* copy_text(Char* out, std::basic_string_view<Char> text) noexcept
     const std::size_t size = text.size() * sizeof(Char);
     auto* const to = reinterpret_cast<char*>(out);
     const auto* const from = reinterpret_cast<const char*>(text.data());
-    if (size > 16 * block) {
+    if (size > 16 * block) [[unlikely]] {
         std::memcpy(to, from, size);
     } else if (size >= block) {
         for (std::size_t done = 0; done + block < size; done += block)

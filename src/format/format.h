@@ -5,6 +5,7 @@
 #include "format/literal_text.h"
 #include "format/literals.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <span>
@@ -44,30 +45,24 @@ template <details::fixed_text Text, typename... Arguments>
 void append(std::basic_string<typename decltype(Text)::character>& out, const literal_format<Text>& format,
             const Arguments&... arguments)
 {
-    const details::literal_renderer<literal_format<Text>, decltype(details::typed(arguments))...> renderer(
-        details::typed(arguments)...);
-    if (renderer.room() > details::short_result) {
+    using renderer_type = details::literal_renderer<literal_format<Text>, decltype(details::typed(arguments))...>;
+    const renderer_type renderer(details::typed(arguments)...);
+    // Enough room is more than some results need: before a reused string grows, they are measured.
+    if (renderer.room() <= std::max(details::short_literal_result, out.capacity() - out.size())) {
+        renderer.append_to(out);
+    } else {
         const std::array<argument, sizeof...(Arguments)> list{argument(arguments)...};
         render(out, format, list);
-        return;
     }
-    typename decltype(Text)::character buffer[details::short_result];
-    out.append(buffer, static_cast<std::size_t>(renderer.write(buffer) - buffer));
 }
 
 /// The same into a new string.
 template <details::fixed_text Text, typename... Arguments>
-std::basic_string<typename decltype(Text)::character> format(const literal_format<Text>& format,
+std::basic_string<typename decltype(Text)::character> format(const literal_format<Text>& /*format*/,
                                                              const Arguments&... arguments)
 {
-    const details::literal_renderer<literal_format<Text>, decltype(details::typed(arguments))...> renderer(
-        details::typed(arguments)...);
-    if (renderer.room() > details::short_result) {
-        const std::array<argument, sizeof...(Arguments)> list{argument(arguments)...};
-        return rendered(format, list);
-    }
-    typename decltype(Text)::character buffer[details::short_result];
-    return {buffer, static_cast<std::size_t>(renderer.write(buffer) - buffer)};
+    using renderer_type = details::literal_renderer<literal_format<Text>, decltype(details::typed(arguments))...>;
+    return renderer_type(details::typed(arguments)...).to_string();
 }
 
 } // namespace fmtkit

@@ -119,13 +119,6 @@ Char* write_small_base(Char* out, std::uint64_t value, unsigned bits_of_digit)
     return out + size;
 }
 
-/// The argument's bits as the item reads them.
-signed_magnitude<std::uint64_t> magnitude_of(const argument& value, const FormatItem& item)
-{
-    const bool is_unsigned = (item.flags & flag_unsigned) != 0 || value.type() == argument::kind::unsigned_number;
-    return split_sign(is_unsigned ? value.as_unsigned() : value.bits(), is_unsigned, item.flags);
-}
-
 template <typename Char>
 Char* write_number(Char* out, const FormatItem& item, const argument& value)
 {
@@ -208,21 +201,6 @@ std::basic_string_view<Char> pattern_of(const FormatItem& item, std::basic_strin
     return format.substr(static_cast<std::size_t>(item.begin), static_cast<std::size_t>(item.end - item.begin));
 }
 
-/// Null when nothing is written.
-template <typename Char>
-Char* write_time(Char* out, std::basic_string_view<Char> format, const FormatItem& item, girder::file_time time)
-{
-    if ((item.flags & flag_time) == 0)
-        return nullptr;
-    time_text text;
-    if (!text.write(time, pattern_of(item, format)))
-        return nullptr;
-    return write_text(out, text.view());
-}
-
-template <typename Char>
-constexpr std::size_t time_room = longest_time_text * (sizeof(Char) == 1 ? most_bytes_of_unit : 1);
-
 /// The argument's text before the width rules. Null when nothing is written, not even padding.
 template <typename Char>
 Char* write_natural(Char* out, std::basic_string_view<Char> format, const FormatItem& item, const argument& value)
@@ -286,11 +264,14 @@ Char* write_argument(Char* out, std::basic_string_view<Char> format, const Forma
 }
 
 template <typename Char>
-Char* write_argument_if_it_fits(Char* out, const Char* limit, std::basic_string_view<Char> format,
-                                const FormatItem& item, const argument& value)
+Char* write_time(Char* out, std::basic_string_view<Char> format, const FormatItem& item, girder::file_time time)
 {
-    const auto room = static_cast<std::size_t>(limit - out);
-    return room < quick_room<Char>(item, value) ? nullptr : write_argument(out, format, item, value);
+    if ((item.flags & flag_time) == 0)
+        return nullptr;
+    time_text text;
+    if (!text.write(time, pattern_of(item, format)))
+        return nullptr;
+    return write_text(out, text.view());
 }
 
 template <typename Char>
@@ -310,9 +291,8 @@ template std::size_t exact_room(std::string_view, const FormatItem&, const argum
 template std::size_t exact_room(std::u16string_view, const FormatItem&, const argument&);
 template char* write_argument(char*, std::string_view, const FormatItem&, const argument&);
 template char16_t* write_argument(char16_t*, std::u16string_view, const FormatItem&, const argument&);
-template char* write_argument_if_it_fits(char*, const char*, std::string_view, const FormatItem&, const argument&);
-template char16_t* write_argument_if_it_fits(char16_t*, const char16_t*, std::u16string_view, const FormatItem&,
-                                             const argument&);
+template char* write_time(char*, std::string_view, const FormatItem&, girder::file_time);
+template char16_t* write_time(char16_t*, std::u16string_view, const FormatItem&, girder::file_time);
 template char* write_escaped(char*, std::string_view) noexcept;
 template char16_t* write_escaped(char16_t*, std::u16string_view) noexcept;
 

@@ -2,6 +2,7 @@
 
 #include "format/argument.h"
 #include "format/compiled_format.h"
+#include "format/time_text.h"
 
 #include <cstddef>
 #include <string_view>
@@ -9,9 +10,6 @@
 // One item of a format written to memory that the caller has measured.
 
 namespace fmtkit::details {
-
-/// A result of up to this many units is made on the stack.
-inline constexpr std::size_t short_result = 256;
 
 constexpr bool is_without_width(const FormatItem& item) noexcept
 {
@@ -35,10 +33,14 @@ std::size_t exact_room(std::basic_string_view<Char> format, const FormatItem& it
 template <typename Char>
 Char* write_argument(Char* out, std::basic_string_view<Char> format, const FormatItem& item, const argument& value);
 
-/// write_argument where quick_room says that it fits in front of `limit`; else null.
+/// Units that are enough for a time without its width.
 template <typename Char>
-Char* write_argument_if_it_fits(Char* out, const Char* limit, std::basic_string_view<Char> format,
-                                const FormatItem& item, const argument& value);
+inline constexpr std::size_t time_room = longest_time_text * (sizeof(Char) == 1 ? 3 : 1);
+
+/// Writes an argument that is a time, without the width rules.
+/// \return null when nothing is to be written, not even padding
+template <typename Char>
+Char* write_time(Char* out, std::basic_string_view<Char> format, const FormatItem& item, girder::file_time time);
 
 /// Writes a literal with escaped braces, at most its own length.
 template <typename Char>

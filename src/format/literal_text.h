@@ -3,6 +3,7 @@
 #include "format/argument.h"
 #include "format/compiled_format.h"
 #include "format/copy_text.h"
+#include "format/extend.h"
 #include "format/item_text.h"
 #include "format/number_text.h"
 
@@ -10,6 +11,8 @@
 #include <array>
 #include <concepts>
 #include <cstddef>
+#include <functional>
+#include <string>
 #include <string_view>
 #include <tuple>
 #include <type_traits>
@@ -67,6 +70,9 @@ Char* write_number(Char* out, Number value) noexcept
     return write_plain_number(out, Item, Item.minWidth, number);
 }
 
+/// Results for which this many units are enough are made on the stack: a string has room for very short ones in itself.
+inline constexpr std::size_t short_literal_result = 64;
+
 /// \tparam Format  a literal_format
 /// \tparam Values  results of typed()
 template <typename Format, typename... Values>
@@ -85,6 +91,32 @@ public:
         }(std::make_index_sequence<Format::table.size()>());
     }
 
+    void append_to(std::basic_string<character>& out) const
+    {
+        character buffer[short_literal_result];
+        const std::size_t units = room();
+        character* const begin = units <= short_literal_result ? buffer : extend(out, units);
+        const character* const end = write(begin);
+        if (begin == buffer)
+            out.append(buffer, static_cast<std::size_t>(end - buffer));
+        else
+            out.resize(static_cast<std::size_t>(end - out.data()));
+    }
+
+    std::basic_string<character> to_string() const
+    {
+        std::basic_string<character> out;
+        character buffer[short_literal_result];
+        const std::size_t units = room();
+        character* const begin = units <= short_literal_result ? buffer : extend(out, units);
+        const character* const end = write(begin);
+        if (begin == buffer)
+            return {buffer, static_cast<std::size_t>(end - buffer)};
+        out.resize(static_cast<std::size_t>(end - begin));
+        return out;
+    }
+
+private:
     character* write(character* out) const
     {
         [&]<std::size_t... I>(std::index_sequence<I...>) {
@@ -94,7 +126,6 @@ public:
         return out;
     }
 
-private:
     static constexpr bool has_argument(const FormatItem& item) { return item.argIndex < sizeof...(Values); }
 
     /// How many conditions are open when an item is reached.
@@ -136,6 +167,8 @@ private:
                 return plain_number_room(item);
             else if constexpr (std::same_as<value, text_view> && is_without_width(item))
                 return std::get<item.argIndex>(values_).size();
+            else if constexpr (std::same_as<value, girder::file_time> && is_without_width(item))
+                return time_room<character>;
             else
                 return quick_room<character>(item, argument(std::get<item.argIndex>(values_)));
         }
@@ -175,11 +208,20 @@ private:
                 return write_number<Item>(out, argument_used);
             else if constexpr (std::same_as<value, text_view> && is_without_width(Item))
                 return copy_text(out, argument_used);
+            else if constexpr (std::same_as<value, girder::file_time> && is_without_width(Item))
+                return write_time_or_nothing<Item>(out, argument_used);
             else
                 return write_argument(out, Format::text(), Item, argument(argument_used));
         } else {
             return out;
         }
+    }
+
+    template <FormatItem Item>
+    static character* write_time_or_nothing(character* out, girder::file_time time)
+    {
+        character* const end = write_time(out, Format::text(), Item, time);
+        return end ? end : out;
     }
 
     std::tuple<Values...> values_;

@@ -10,9 +10,12 @@
 
 namespace fmtkit::details {
 
+/// The end of what _localtime64_s of the C runtime converts, the last second of the year 3000 in UTC. It begins at 0.
+inline constexpr std::int64_t last_local_second = 32'535'215'999;
+
 /// Local time with the zone's summer time.
 /// \param seconds  since 1970-01-01 UTC
-/// \return false for what the C runtime's _localtime64_s rejects: before 1970 or after the year 3000
+/// \return false before 1970 and after last_local_second
 bool to_local_time(std::int64_t seconds, std::tm& local);
 
 inline constexpr std::size_t longest_system_text = 128;

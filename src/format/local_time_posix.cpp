@@ -9,9 +9,6 @@
 namespace fmtkit::details {
 namespace {
 
-/// The last second of the year 3000, the end of _localtime64_s.
-constexpr std::int64_t last_second = 32'535'215'999;
-
 /// The locale that the user's environment names, made once.
 locale_t user_locale()
 {
@@ -26,7 +23,7 @@ locale_t user_locale()
 
 bool to_local_time(std::int64_t seconds, std::tm& local)
 {
-    if (seconds < 0 || seconds > last_second)
+    if (seconds < 0 || seconds > last_local_second)
         return false;
     const std::time_t time = seconds;
     return ::localtime_r(&time, &local) != nullptr;

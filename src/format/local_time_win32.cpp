@@ -10,9 +10,6 @@
 namespace fmtkit::details {
 namespace {
 
-/// The last second of the year 3000, the end of _localtime64_s.
-constexpr std::int64_t last_second = 32'535'215'999;
-
 using text_buffer = std::span<char16_t, longest_system_text>;
 
 SYSTEMTIME system_time(const std::tm& fields)
@@ -63,7 +60,7 @@ std::size_t write_date_and_time(text_buffer out, const SYSTEMTIME& time)
 
 bool to_local_time(std::int64_t seconds, std::tm& local)
 {
-    return seconds >= 0 && seconds <= last_second && _localtime64_s(&local, &seconds) == 0;
+    return seconds >= 0 && seconds <= last_local_second && _localtime64_s(&local, &seconds) == 0;
 }
 
 std::size_t write_system_text(text_buffer out, char16_t conversion, const std::tm& local)

@@ -125,6 +125,13 @@ constexpr signed_magnitude<Number> split_sign(Number bits, bool is_unsigned, std
     return {bits, !is_unsigned && (flags & flag_plus) != 0 ? '+' : '\0'};
 }
 
+/// The argument's bits as the item reads them.
+inline signed_magnitude<std::uint64_t> magnitude_of(const argument& value, const FormatItem& item)
+{
+    const bool is_unsigned = (item.flags & flag_unsigned) != 0 || value.type() == argument::kind::unsigned_number;
+    return split_sign(is_unsigned ? value.as_unsigned() : value.bits(), is_unsigned, item.flags);
+}
+
 /// The numbers of almost all formats: decimal without groups or hexadecimal, never cut.
 constexpr bool is_plain_number(const FormatItem& item) noexcept
 {
@@ -136,6 +143,16 @@ constexpr bool is_plain_number(const FormatItem& item) noexcept
 constexpr std::size_t plain_number_room(const FormatItem& item) noexcept
 {
     return std::max<std::size_t>(item.minWidth, 21);
+}
+
+/// Padding is a few units: code for many would be in the way.
+template <typename Char>
+Char* write_padding(Char* out, std::uint16_t fill, std::size_t count) noexcept
+{
+#pragma clang loop vectorize(disable) unroll(disable)
+    for (; count > 0; --count)
+        *out++ = static_cast<Char>(fill);
+    return out;
 }
 
 /// Writes a number, decimal without groups or hexadecimal, with its padding. Meant to be folded where the item is a
@@ -155,8 +172,7 @@ template <typename Char, std::unsigned_integral Number>
     const std::size_t size = (sign != 0 ? 1 : 0) + prefix + digits;
     const std::size_t padding = minimum > size ? minimum - size : 0;
     const std::size_t before = item.align == align_right ? padding : item.align == align_centre ? padding / 2 : 0;
-    for (std::size_t i = 0; i < before; ++i)
-        *out++ = static_cast<Char>(item.fill);
+    out = write_padding(out, item.fill, before);
     if (sign != 0)
         *out++ = static_cast<Char>(sign);
     if (prefix != 0) {
@@ -167,10 +183,7 @@ template <typename Char, std::unsigned_integral Number>
         write_decimal_before(out + digits, magnitude);
     else
         write_hexadecimal(out, digits, magnitude, item.flags);
-    out += digits;
-    for (std::size_t i = before; i < padding; ++i)
-        *out++ = static_cast<Char>(item.fill);
-    return out;
+    return write_padding(out + digits, item.fill, padding - before);
 }
 
 inline constexpr std::size_t simple_number_room = 20;
@@ -190,13 +203,9 @@ Char* write_simple_number(Char* out, const FormatItem& item, std::uint64_t value
     const std::size_t digits = decimal_size(value);
     const std::size_t padding = item.minWidth > digits ? item.minWidth - digits : 0;
     const std::size_t before = item.align == align_right ? padding : item.align == align_centre ? padding / 2 : 0;
-    for (std::size_t i = 0; i < before; ++i)
-        *out++ = static_cast<Char>(item.fill);
-    out += digits;
+    out = write_padding(out, item.fill, before) + digits;
     write_decimal_before(out, value);
-    for (std::size_t i = before; i < padding; ++i)
-        *out++ = static_cast<Char>(item.fill);
-    return out;
+    return write_padding(out, item.fill, padding - before);
 }
 
 } // namespace fmtkit::details

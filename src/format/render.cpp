@@ -1,4 +1,5 @@
 #include "format/copy_text.h"
+#include "format/extend.h"
 #include "format/format.h"
 #include "format/item_text.h"
 #include "format/number_text.h"
@@ -94,7 +95,9 @@ template <typename Char>
 Char* write_literal(Char* out, const basic_format_view<Char>& format, const FormatItem& item)
 {
     const std::basic_string_view<Char> text = part(format, item);
-    return (item.flags & flag_escaped) != 0 ? details::write_escaped(out, text) : details::copy_text(out, text);
+    if ((item.flags & flag_escaped) != 0) [[unlikely]]
+        return details::write_escaped(out, text);
+    return details::copy_text(out, text);
 }
 
 constexpr bool is_literal(const FormatItem& item)
@@ -102,41 +105,60 @@ constexpr bool is_literal(const FormatItem& item)
     return (item.flags & flag_literal) != 0;
 }
 
-/// The most frequent arguments are written here, the others where all rules are known.
-/// \return null where there is no room
+// What is not inlined leaves its registers to the frequent cases of who calls it.
+
+/// \return null where the room may not be enough
 template <typename Char>
-[[gnu::always_inline]] inline Char* write_short(Char* out, const Char* limit, const basic_format_view<Char>& format,
-                                                const FormatItem& item, const argument& value)
+[[gnu::noinline]] Char* write_other_if_it_fits(Char* out, std::size_t room, const basic_format_view<Char>& format,
+                                               const FormatItem& item, const argument& value)
 {
-    const auto room = static_cast<std::size_t>(limit - out);
-    if (details::is_simple_number(item, value) && room >= details::simple_number_room)
-        return details::write_simple_number(out, item, value.as_unsigned());
-    if (value.type() == details::own_text<Char> && details::is_without_width(item)) {
-        const std::basic_string_view<Char> text = value.text<Char>();
-        return room >= text.size() ? details::copy_text(out, text) : nullptr;
-    }
-    return details::write_argument_if_it_fits(out, limit, format.text, item, value);
+    if (value.is_number() && details::is_plain_number(item))
+        return details::plain_number_room(item) <= room
+                   ? details::write_plain_number(out, item, item.minWidth, details::magnitude_of(value, item))
+                   : nullptr;
+    return details::quick_room<Char>(item, value) <= room ? details::write_argument(out, format.text, item, value)
+                                                          : nullptr;
 }
 
-/// A result of little length, written to the caller's stack.
-/// \return its end; null where there is no room
 template <typename Char>
-Char* write_short(Char (&buffer)[details::short_result], const basic_format_view<Char>& format,
+[[gnu::noinline]] Char* write_if_it_fits(Char* out, std::size_t room, const basic_format_view<Char>& format,
+                                         const FormatItem& item, const argument& value)
+{
+    if (details::is_simple_number(item, value) && details::simple_number_room <= room)
+        return details::write_simple_number(out, item, value.as_unsigned());
+    return write_other_if_it_fits(out, room, format, item, value);
+}
+
+/// Results of up to this many units are made on the stack.
+constexpr std::size_t short_result = 256;
+
+/// Writes a result that is short.
+/// \return its end; null where the room may not be enough
+template <typename Char>
+Char* write_short(Char (&buffer)[short_result], const basic_format_view<Char>& format,
                   std::span<const argument> arguments)
 {
-    const Char* const limit = buffer + details::short_result;
+    const Char* const limit = buffer + short_result;
     Char* out = buffer;
     active_items items(format.items, arguments);
     while (const FormatItem* const item = items.next()) {
-        if (!is_literal(*item)) {
-            out = write_short(out, limit, format, *item, arguments[item->argIndex]);
-            if (!out)
-                return nullptr;
-        } else {
-            if (static_cast<std::size_t>(limit - out) < part(format, *item).size())
+        const auto room = static_cast<std::size_t>(limit - out);
+        if (is_literal(*item)) {
+            if (part(format, *item).size() > room)
                 return nullptr;
             out = write_literal(out, format, *item);
+            continue;
         }
+        const argument& value = arguments[item->argIndex];
+        if (value.type() == details::own_text<Char> && details::is_without_width(*item)) {
+            if (value.size() > room)
+                return nullptr;
+            out = details::copy_text(out, value.text<Char>());
+            continue;
+        }
+        out = write_if_it_fits(out, room, format, *item, value);
+        if (!out)
+            return nullptr;
     }
     return out;
 }
@@ -152,9 +174,7 @@ void append_long(std::basic_string<Char>& out, const basic_format_view<Char>& fo
         room += is_literal(*item) ? part(format, *item).size()
                                   : details::exact_room(format.text, *item, arguments[item->argIndex]);
 
-    const std::size_t before = out.size();
-    out.resize(before + room);
-    Char* end = out.data() + before;
+    Char* end = details::extend(out, room);
     active_items items(format.items, arguments);
     while (const FormatItem* const item = items.next())
         end = is_literal(*item) ? write_literal(end, format, *item)
@@ -162,12 +182,10 @@ void append_long(std::basic_string<Char>& out, const basic_format_view<Char>& fo
     out.resize(static_cast<std::size_t>(end - out.data()));
 }
 
-// Most results are short: they are made on the stack and copied once.
-
 template <typename Char>
 void append(std::basic_string<Char>& out, const basic_format_view<Char>& format, std::span<const argument> arguments)
 {
-    Char buffer[details::short_result];
+    Char buffer[short_result];
     if (const Char* const end = write_short(buffer, format, arguments))
         out.append(buffer, static_cast<std::size_t>(end - buffer));
     else
@@ -177,7 +195,7 @@ void append(std::basic_string<Char>& out, const basic_format_view<Char>& format,
 template <typename Char>
 std::basic_string<Char> to_string(const basic_format_view<Char>& format, std::span<const argument> arguments)
 {
-    Char buffer[details::short_result];
+    Char buffer[short_result];
     if (const Char* const end = write_short(buffer, format, arguments))
         return {buffer, static_cast<std::size_t>(end - buffer)};
     std::basic_string<Char> out;

@@ -1,6 +1,7 @@
 #include "format/time_text.h"
 
 #include "base/utf.h"
+#include "format/local_fields.h"
 #include "format/local_time.h"
 #include "format/number_text.h"
 
@@ -35,18 +36,15 @@ iso_week iso_week_of(const std::tm& local)
     return {.year = year, .week = thursday / 7 + 1};
 }
 
-/// The seconds since 1970 at which a clock of UTC shows these fields.
-std::int64_t seconds_as_utc(const std::tm& fields)
-{
-    const int year = fields.tm_year + 1900;
-    const int leap_days = (year - 1969) / 4 - (year - 1901) / 100 + (year - 1601) / 400;
-    const std::int64_t days = std::int64_t{365} * (year - 1970) + leap_days + fields.tm_yday;
-    return ((days * 24 + fields.tm_hour) * 60 + fields.tm_min) * 60 + fields.tm_sec;
-}
-
 constexpr int twelve_hour(int hour)
 {
     return hour % 12 == 0 ? 12 : hour % 12;
+}
+
+void write_two_digits(char16_t* out, int value)
+{
+    std::memcpy(out, &decimal_pairs<char16_t>[2 * static_cast<std::size_t>(static_cast<unsigned>(value))],
+                2 * sizeof(char16_t));
 }
 
 template <typename Char>
@@ -74,7 +72,7 @@ bool time_text::write_pattern(girder::file_time time, std::basic_string_view<Cha
     const auto since_epoch =
         static_cast<std::int64_t>(static_cast<std::uint64_t>(time.ticks) - std::uint64_t{girder::unix_epoch_ticks});
     seconds_ = since_epoch / girder::ticks_per_second;
-    if (!to_local_time(seconds_, local_))
+    if (!get_local_fields(seconds_, local_))
         return false;
     expand(pattern);
     size_ = std::min(size_, longest_time_text);
@@ -124,13 +122,21 @@ void time_text::number(std::uint64_t value)
     write_decimal_before(units_.data() + size_, value);
 }
 
-void time_text::two_digits(int value, char16_t fill)
+void time_text::two_digits(int value)
 {
-    std::memcpy(units_.data() + size_, &decimal_pairs<char16_t>[2 * static_cast<std::size_t>(value)],
-                2 * sizeof(char16_t));
-    if (value < 10)
-        units_[size_] = fill;
+    write_two_digits(units_.data() + size_, value);
     size_ += 2;
+}
+
+void time_text::three_numbers(int first, char16_t separator, int second, int third)
+{
+    char16_t* const out = units_.data() + size_;
+    write_two_digits(out, first);
+    out[2] = separator;
+    write_two_digits(out + 3, second);
+    out[5] = separator;
+    write_two_digits(out + 6, third);
+    size_ += 8;
 }
 
 void time_text::year(int value)
@@ -139,24 +145,21 @@ void time_text::year(int value)
     two_digits(value % 100);
 }
 
-void time_text::clock(bool with_seconds)
-{
-    two_digits(local_.tm_hour);
-    put(u':');
-    two_digits(local_.tm_min);
-    if (!with_seconds)
-        return;
-    put(u':');
-    two_digits(local_.tm_sec);
-}
-
 void time_text::zone_offset()
 {
-    const auto minutes = static_cast<int>((seconds_as_utc(local_) - seconds_) / 60);
-    const int distance = std::abs(minutes);
-    put(minutes < 0 ? u'-' : u'+');
+    const int distance = std::abs(local_.distance);
+    put(local_.distance < 0 ? u'-' : u'+');
     two_digits(distance / 60);
     two_digits(distance % 60);
+}
+
+void time_text::system_text(char16_t conversion)
+{
+    // The system wants to know about summer time.
+    std::tm local{};
+    std::array<char16_t, longest_system_text> text;
+    if (to_local_time(seconds_, local))
+        put_text(std::u16string_view(text.data(), write_system_text(text, conversion, local)));
 }
 
 void time_text::convert(char16_t conversion)
@@ -166,70 +169,67 @@ void time_text::convert(char16_t conversion)
         put(u'%');
         break;
     case u'C':
-        two_digits((local_.tm_year + 1900) / 100);
+        two_digits((local_.time.tm_year + 1900) / 100);
         break;
     case u'D':
-        two_digits(local_.tm_mon + 1);
-        put(u'/');
-        two_digits(local_.tm_mday);
-        put(u'/');
-        two_digits(local_.tm_year % 100);
+        three_numbers(local_.time.tm_mon + 1, u'/', local_.time.tm_mday, local_.time.tm_year % 100);
         break;
     case u'F':
-        year(local_.tm_year + 1900);
-        put(u'-');
-        two_digits(local_.tm_mon + 1);
-        put(u'-');
-        two_digits(local_.tm_mday);
+        two_digits((local_.time.tm_year + 1900) / 100);
+        three_numbers(local_.time.tm_year % 100, u'-', local_.time.tm_mon + 1, local_.time.tm_mday);
         break;
     case u'G':
-        year(iso_week_of(local_).year);
+        year(iso_week_of(local_.time).year);
         break;
     case u'H':
-        two_digits(local_.tm_hour);
+        two_digits(local_.time.tm_hour);
         break;
     case u'I':
-        two_digits(twelve_hour(local_.tm_hour));
+        two_digits(twelve_hour(local_.time.tm_hour));
         break;
     case u'M':
-        two_digits(local_.tm_min);
+        two_digits(local_.time.tm_min);
         break;
     case u'R':
-        clock(false);
+        two_digits(local_.time.tm_hour);
+        put(u':');
+        two_digits(local_.time.tm_min);
         break;
     case u'S':
-        two_digits(local_.tm_sec);
+        two_digits(local_.time.tm_sec);
         break;
     case u'T':
-        clock(true);
+        three_numbers(local_.time.tm_hour, u':', local_.time.tm_min, local_.time.tm_sec);
         break;
     case u'U':
-        two_digits((local_.tm_yday + 7 - local_.tm_wday) / 7);
+        two_digits((local_.time.tm_yday + 7 - local_.time.tm_wday) / 7);
         break;
     case u'V':
-        two_digits(iso_week_of(local_).week);
+        two_digits(iso_week_of(local_.time).week);
         break;
     case u'W':
-        two_digits((local_.tm_yday + 7 - (local_.tm_wday + 6) % 7) / 7);
+        two_digits((local_.time.tm_yday + 7 - (local_.time.tm_wday + 6) % 7) / 7);
         break;
     case u'Y':
-        year(local_.tm_year + 1900);
+        year(local_.time.tm_year + 1900);
         break;
     case u'd':
-        two_digits(local_.tm_mday);
+        two_digits(local_.time.tm_mday);
         break;
     case u'e':
-        two_digits(local_.tm_mday, u' ');
+        two_digits(local_.time.tm_mday);
+        if (local_.time.tm_mday < 10)
+            units_[size_ - 2] = u' ';
         break;
     case u'g':
-        two_digits(iso_week_of(local_).year % 100);
+        two_digits(iso_week_of(local_.time).year % 100);
         break;
     case u'j':
-        put(static_cast<char16_t>(u'0' + (local_.tm_yday + 1) / 100));
-        two_digits((local_.tm_yday + 1) % 100);
+        put(static_cast<char16_t>(u'0' + (local_.time.tm_yday + 1) / 100));
+        two_digits((local_.time.tm_yday + 1) % 100);
         break;
     case u'm':
-        two_digits(local_.tm_mon + 1);
+        two_digits(local_.time.tm_mon + 1);
         break;
     case u'n':
         put(u'\n');
@@ -241,13 +241,13 @@ void time_text::convert(char16_t conversion)
         put(u'\t');
         break;
     case u'u':
-        number(local_.tm_wday == 0 ? 7U : static_cast<unsigned>(local_.tm_wday));
+        number(local_.time.tm_wday == 0 ? 7U : static_cast<unsigned>(local_.time.tm_wday));
         break;
     case u'w':
-        number(static_cast<unsigned>(local_.tm_wday));
+        number(static_cast<unsigned>(local_.time.tm_wday));
         break;
     case u'y':
-        two_digits(local_.tm_year % 100);
+        two_digits(local_.time.tm_year % 100);
         break;
     case u'z':
         zone_offset();
@@ -262,11 +262,9 @@ void time_text::convert(char16_t conversion)
     case u'r':
     case u'x':
     case u'X':
-    case u'Z': {
-        std::array<char16_t, longest_system_text> text;
-        put_text(std::u16string_view(text.data(), write_system_text(text, conversion, local_)));
+    case u'Z':
+        system_text(conversion);
         break;
-    }
     default:
         put(u'%');
         put(conversion);

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "base/file_time.h"
+#include "format/local_fields.h"
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <ctime>
 #include <string_view>
 
 namespace fmtkit::details {
@@ -39,12 +39,13 @@ private:
 
     void put(char16_t unit) { units_[size_++] = unit; }
     void number(std::uint64_t value);
-    void two_digits(int value, char16_t fill = u'0');
+    void two_digits(int value);
+    void three_numbers(int first, char16_t separator, int second, int third);
     void year(int value);
-    void clock(bool with_seconds);
     void zone_offset();
+    void system_text(char16_t conversion);
 
-    std::tm local_{};
+    local_fields local_;
     std::int64_t seconds_ = 0; ///< since 1970-01-01 UTC
     std::size_t size_ = 0;
     std::array<char16_t, longest_time_text + longest_conversion> units_;
