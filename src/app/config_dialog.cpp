@@ -1,10 +1,12 @@
 #include "app/config_dialog.h"
 
 #include "app/config_layout.h"
+#include "app/error_log.h"
 #include "app/message_texts.h"
 #include "app/messages.h"
 #include "base/debug_log.h"
-#include "base/system_error.h"
+#include "base/utf.h"
+#include "base/win32_error.h"
 #include "format/compile.h"
 #include "format/format.h"
 #include "format/literals.h"
@@ -59,25 +61,18 @@ constexpr control_text control_texts[] = {
 /// Present in the window, and without a command behind them yet.
 constexpr int unavailable_controls[] = {IDC_START, IDC_STOP, IDC_SECURITY, IDC_ABOUT};
 
-std::vector<std::u16string> names_of(const std::vector<LoadFailure>& failures)
+/// The first items with a comma between them; an ellipsis stands for those that a message has no room for.
+template <typename Item, typename ToText>
+std::u16string joined(const std::vector<Item>& items, ToText to_text)
 {
-    std::vector<std::u16string> names;
-    for (const LoadFailure& failure : failures)
-        if (!failure.name.empty())
-            names.push_back(failure.name);
-    return names;
-}
-
-template <typename Items, typename ToText>
-std::u16string joined(const Items& items, ToText to_text)
-{
+    constexpr std::size_t most = 20;
     std::u16string text;
-    for (const auto& item : items) {
-        if (!text.empty())
+    for (std::size_t i = 0; i < items.size() && i < most; ++i) {
+        if (i > 0)
             text += u", ";
-        text += to_text(item);
+        text += to_text(items[i]);
     }
-    return text;
+    return items.size() > most ? text + u", …" : text;
 }
 
 } // namespace
@@ -97,9 +92,10 @@ ConfigDialog::ConfigDialog(girder::ui_thread& thread, restart_request& restart)
 {}
 
 ConfigDialog::ConfigDialog(girder::ui_thread& thread, restart_request& restart, LoadedSettings loaded)
-    : thread_(thread), restart_(restart), failures_(std::move(loaded.failures)),
-      model_(std::move(loaded.settings), names_of(failures_))
+    : thread_(thread), restart_(restart), failures_(loaded.failures), model_(std::move(loaded))
 {
+    for (const LoadFailure& failure : failures_)
+        girder::log_failure({.code = failure.code, .message = failure.text, .context = girder::to_utf8(failure.name)});
     set_command_message(messages().process_command);
     tidelink::initialise();
 }
@@ -124,7 +120,7 @@ bool ConfigDialog::on_initialise()
     enable_list_by_share_mode();
     lay_out(::GetDpiForWindow(window()));
     if (!failures_.empty())
-        thread_.post([this] { show_load_failures(); });
+        show_load_failures_later();
     // The status comes first in the tab order, but what an administrator is here for is the choice of ports.
     ::SetFocus(control(model_.initial_share_mode() == share_mode::all_ports ? IDC_SHARE_ALL : IDC_SHARE_SELECTED));
     return false;
@@ -167,6 +163,14 @@ box ConfigDialog::layout(const control_measure& measure) const
 void ConfigDialog::on_laid_out()
 {
     check_list::fit_column(control(IDC_PORTS));
+}
+
+void ConfigDialog::show_load_failures_later() noexcept
+try {
+    thread_.post([this] { show_load_failures(); });
+} catch (...) {
+    // The settings that could be read are still worth showing.
+    log_error(std::current_exception());
 }
 
 void ConfigDialog::show_load_failures() noexcept
@@ -219,14 +223,11 @@ bool ConfigDialog::on_message(UINT message, WPARAM, LPARAM, LRESULT&)
 
 void ConfigDialog::on_error(std::exception_ptr error) noexcept
 {
+    log_error(error);
     try {
         std::rethrow_exception(std::move(error));
     } catch (const std::exception& failure) {
-        const auto* const failed_call = dynamic_cast<const girder::system_error*>(&failure);
-        const std::u16string shown = error_text(failure);
-        girder::log_failure(
-            {.code = failed_call ? failed_call->code() : 0, .message = shown, .context = failure.what()});
-        show_operation_error(window(), shown);
+        report_operation_error(window(), failure);
     }
 }
 
@@ -274,10 +275,13 @@ void ConfigDialog::on_language_selected()
         restart_.clear();
         throw;
     }
-    if (saved)
-        ::PostMessageW(window(), WM_CLOSE, 0, 0);
-    else
+    if (!saved) {
         restart_.clear();
+    } else if (!::PostMessageW(window(), WM_CLOSE, 0, 0)) {
+        const DWORD code = ::GetLastError();
+        restart_.clear();
+        girder::throw_win32(code, "PostMessageW");
+    }
 }
 
 bool ConfigDialog::offer_restart()
@@ -291,13 +295,25 @@ bool ConfigDialog::ApplySettings()
 {
     if (!model_.dirty())
         return true;
-    ServerSettings next = model_.collect(read_controls());
-    if (!confirm(model_.confirmations_for(next)))
+    const std::optional<ServerSettings> next = confirmed_settings();
+    if (!next)
         return false;
-    model_.accept(std::move(next));
+    model_.accept(*next);
     show_dirty();
     SaveSettings(model_.settings());
     return true;
+}
+
+std::optional<ServerSettings> ConfigDialog::confirmed_settings()
+{
+    for (;;) {
+        ServerSettings next = model_.collect(read_controls());
+        if (!confirm(model_.confirmations_for(next)))
+            return std::nullopt;
+        // While a question waits for its answer, another program can still change a control.
+        if (model_.collect(read_controls()) == next)
+            return next;
+    }
 }
 
 bool ConfigDialog::confirm(const save_confirmations& needed)
@@ -311,7 +327,7 @@ bool ConfigDialog::confirm(const save_confirmations& needed)
              joined(needed.replaced_values, [](const std::u16string& name) { return name; })))
         return false;
     return needed.dropped_ports.empty() ||
-           ask(string_id::drop_absent_ports,
+           ask(needed.shares_every_port ? string_id::drop_absent_ports_and_share_all : string_id::drop_absent_ports,
                joined(needed.dropped_ports, [](std::uint32_t port) { return fmtkit::format(u"COM{}"_fmt, port); }));
 }
 

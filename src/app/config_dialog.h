@@ -48,6 +48,7 @@ private:
     void fill_languages();
     void fill_ports();
     void show_service_state();
+    void show_load_failures_later() noexcept;
     void show_load_failures() noexcept;
 
     void on_ok();
@@ -60,6 +61,8 @@ private:
     /// Writes the settings when something has changed. \return false when the administrator declined a question that
     /// comes first: nothing was written and the change is still to be applied
     bool ApplySettings();
+    /// What the controls say, once every question about it was answered with Yes; empty when one was not.
+    std::optional<ServerSettings> confirmed_settings();
     bool confirm(const save_confirmations& needed);
     bool offer_restart();
 

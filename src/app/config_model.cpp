@@ -1,6 +1,9 @@
 #include "app/config_model.h"
 
+#include "base/utf.h"
+
 #include <algorithm>
+#include <string_view>
 #include <utility>
 
 namespace tidelink {
@@ -11,10 +14,29 @@ bool contains(const std::vector<std::uint32_t>& numbers, std::uint32_t number)
     return std::ranges::find(numbers, number) != numbers.end();
 }
 
+std::vector<std::u16string> names_of_every_value()
+{
+    std::vector<std::u16string> names;
+    for (const std::string_view name : server_settings_fields.names)
+        names.push_back(girder::to_utf16(name));
+    return names;
+}
+
+std::vector<std::u16string> unreadable_values(const std::vector<LoadFailure>& failures)
+{
+    std::vector<std::u16string> names;
+    for (const LoadFailure& failure : failures) {
+        if (failure.name.empty())
+            return names_of_every_value();
+        names.push_back(failure.name);
+    }
+    return names;
+}
+
 } // namespace
 
-config_model::config_model(ServerSettings stored, std::vector<std::u16string> unreadable)
-    : settings_(std::move(stored)), unreadable_(std::move(unreadable))
+config_model::config_model(LoadedSettings loaded)
+    : settings_(std::move(loaded.settings)), unreadable_(unreadable_values(loaded.failures))
 {}
 
 std::vector<port_row> config_model::rows_of(const std::vector<SerialPortInfo>& present)
@@ -54,9 +76,11 @@ ServerSettings config_model::collect(const control_state& controls) const
 
 save_confirmations config_model::confirmations_for(const ServerSettings& next) const
 {
-    save_confirmations needed{.replaced_values = unreadable_, .dropped_ports = {}};
+    save_confirmations needed{
+        .replaced_values = unreadable_, .dropped_ports = {}, .shares_every_port = next.sharedPorts.empty()};
     for (const std::uint32_t number : settings_.sharedPorts)
-        if (!contains(present_, number) && !contains(next.sharedPorts, number))
+        if (!contains(present_, number) && !contains(next.sharedPorts, number) &&
+            !contains(needed.dropped_ports, number))
             needed.dropped_ports.push_back(number);
     return needed;
 }

@@ -2,6 +2,7 @@
 
 #include "ports/serial_ports.h"
 #include "settings/server_settings.h"
+#include "settings/settings_store.h"
 
 #include <cstdint>
 #include <optional>
@@ -30,18 +31,17 @@ struct control_state {
 /// What has to be confirmed before the next save may happen. Empty lists need no question.
 struct save_confirmations {
     std::vector<std::u16string> replaced_values; ///< stored values that could not be read and would be overwritten
-    std::vector<std::uint32_t> dropped_ports;    ///< stored numbers of ports that are not present now
-
-    bool empty() const noexcept { return replaced_values.empty() && dropped_ports.empty(); }
+    std::vector<std::uint32_t> dropped_ports;    ///< stored numbers of ports that are not present now, each once
+    bool shares_every_port = false;              ///< no port is left to be listed, which shares all of them
 };
 
 /// The state behind the main dialog and its rules, without a window: the settings under edit, what was stored, what is
 /// present, and whether there is something to apply.
 class config_model {
 public:
-    /// \param stored       the settings as they were loaded
-    /// \param unreadable   names of the stored values that could not be read; the record has their defaults
-    config_model(ServerSettings stored, std::vector<std::u16string> unreadable);
+    /// Takes the settings as they were loaded. Where the whole key could not be read, every value counts as one that
+    /// could not.
+    explicit config_model(LoadedSettings loaded);
 
     /// Takes the ports that are present now, sorted by number. A port is checked when it is shared, and every port is
     /// checked when all are shared.

@@ -1,5 +1,6 @@
 #include "app/message_texts.h"
 
+#include "app/error_log.h"
 #include "base/system_error.h"
 #include "base/utf.h"
 #include "base/win32_error.h"
@@ -33,6 +34,15 @@ void show_operation_error(HWND owner, std::u16string_view message)
     girder::ui::show_message_box(
         owner,
         {.title = text(string_id::operation_error), .text = message, .icon = message_icon::error, .buttons = ok});
+}
+
+void report_operation_error(HWND owner, const std::exception& error) noexcept
+try {
+    show_operation_error(owner, error_text(error));
+} catch (...) {
+    log_error(std::current_exception());
+    ::MessageBoxW(owner, L"The operation failed, and its error could not be shown.", L"Operation Error",
+                  MB_OK | MB_ICONERROR);
 }
 
 bool ask_yes_no(HWND owner, std::u16string_view title, std::u16string_view question, message_icon icon)

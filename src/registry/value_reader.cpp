@@ -257,11 +257,13 @@ void RegistryValueReader::visit_members(const member_visitor& visit) const
             visit({name.text, nsm::value_name::type_code_of_suffix(name.suffix)}, value);
         };
     };
-    for (const std::u16string& name : value_names(key_.get()))
+    const std::vector<std::u16string> values = value_names(key_.get());
+    for (const std::u16string& name : values)
         if (!is_own_number(name))
             visit_value(key_.get(), name, capabilities_, as_member(name));
     for (const std::u16string& name : subkey_names(key_.get()))
-        visit_subkey(key_.get(), name, capabilities_, as_member(name));
+        if (std::ranges::find(values, name) == values.end())
+            visit_subkey(key_.get(), name, capabilities_, as_member(name));
 }
 
 std::uint32_t RegistryValueReader::structure_version() const

@@ -30,7 +30,8 @@ public:
     bool as_boolean() const override;
     std::vector<std::byte> as_binary() const override;
 
-    /// The key's values, then its subkeys; "@count" and "@version" are no members.
+    /// The key's values, then its subkeys; "@count" and "@version" are no members, and a value hides the subkey of its
+    /// name.
     void visit_members(const member_visitor& visit) const override;
     std::uint32_t structure_version() const override;
     /// As many as "@count" says, by index.

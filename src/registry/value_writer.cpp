@@ -21,7 +21,11 @@ RegistryValueWriter::RegistryValueWriter(unique_registry_key root, const options
 
 void RegistryValueWriter::write_date(nsm::value_name name, file_time value)
 {
-    set_text(name, fmtkit::format(u"{t(%FT%T%z)}"_fmt, value));
+    const std::u16string text = fmtkit::format(u"{t(%FT%T%z)}"_fmt, value);
+    if (text.empty())
+        write_null(name);
+    else
+        set_text(name, text);
 }
 
 void RegistryValueWriter::write_string(nsm::value_name name, std::u16string_view value)

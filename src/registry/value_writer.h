@@ -25,7 +25,8 @@ public:
 
     std::uint32_t capabilities() const noexcept override { return options_.capabilities; }
 
-    /// As REG_SZ, "2025-06-25T14:03:09+0100": local time with its zone.
+    /// As REG_SZ, "2025-06-25T14:03:09+0100": local time with its zone. A date that has no such text, one before 1970
+    /// or after 3000, is written as a null.
     void write_date(nsm::value_name name, file_time value) override;
     /// As REG_SZ, its terminating null included.
     void write_string(nsm::value_name name, std::u16string_view value) override;

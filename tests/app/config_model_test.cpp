@@ -14,11 +14,16 @@ const std::vector<SerialPortInfo> three_ports = {{.friendlyName = u"One", .portN
                                                  {.friendlyName = u"Three", .portNumber = 3},
                                                  {.friendlyName = u"", .portNumber = 10}};
 
-ServerSettings sharing(numbers ports)
+LoadedSettings defaults()
 {
-    ServerSettings settings = DefaultServerSettings();
-    settings.sharedPorts = std::move(ports);
-    return settings;
+    return {.settings = DefaultServerSettings(), .failures = {}};
+}
+
+LoadedSettings sharing(numbers ports)
+{
+    LoadedSettings loaded = defaults();
+    loaded.settings.sharedPorts = std::move(ports);
+    return loaded;
 }
 
 struct opening_case {
@@ -32,7 +37,7 @@ class opening_test : public testing::TestWithParam<opening_case> {};
 
 TEST_P(opening_test, shows_what_is_stored)
 {
-    config_model model(sharing(GetParam().stored), {});
+    config_model model(sharing(GetParam().stored));
     numbers checked;
     for (const port_row& row : model.rows_of(three_ports))
         if (row.checked)
@@ -61,7 +66,7 @@ class collect_test : public testing::TestWithParam<collect_case> {};
 
 TEST_P(collect_test, decides_the_list_to_store)
 {
-    const config_model model(sharing({7}), {});
+    const config_model model(sharing({7}));
     const control_state controls{
         .auto_discovery = false, .share = GetParam().share, .checked_ports = GetParam().checked};
     const ServerSettings next = model.collect(controls);
@@ -79,20 +84,25 @@ INSTANTIATE_TEST_SUITE_P(config_model, collect_test,
                          })),
                          support::name_of_row);
 
-TEST(config_model_test, dropping_an_absent_port_needs_one_confirmation)
+TEST(config_model_test, dropping_absent_ports_needs_one_confirmation)
 {
-    config_model model(sharing({3, 7, 8}), {});
+    config_model model(sharing({3, 7, 8, 7}));
     model.rows_of(three_ports);
     const ServerSettings next = model.collect({.share = share_mode::listed_ports, .checked_ports = {1}});
-    EXPECT_THAT(model.confirmations_for(next).dropped_ports, ElementsAre(7, 8))
-        << "the present port 3 was unchecked knowingly";
+    const save_confirmations needed = model.confirmations_for(next);
+    EXPECT_THAT(needed.dropped_ports, ElementsAre(7, 8)) << "the present port 3 was unchecked knowingly";
+    EXPECT_FALSE(needed.shares_every_port);
+    EXPECT_TRUE(model.confirmations_for(model.collect({})).shares_every_port) << "an empty list shares them again";
     model.accept(next);
-    EXPECT_TRUE(model.confirmations_for(next).empty());
+    EXPECT_THAT(model.confirmations_for(next).dropped_ports, IsEmpty());
 }
 
 TEST(config_model_test, replacing_unreadable_values_needs_one_confirmation)
 {
-    config_model model(DefaultServerSettings(), {u"autoDiscovery", u"language"});
+    LoadedSettings loaded = defaults();
+    loaded.failures = {{.name = u"autoDiscovery", .text = u"Boolean expected"},
+                       {.name = u"language", .text = u"String expected"}};
+    config_model model(std::move(loaded));
     model.touch();
     const ServerSettings next = model.collect({});
     EXPECT_THAT(model.confirmations_for(next).replaced_values, ElementsAre(u"autoDiscovery", u"language"));
@@ -101,9 +111,18 @@ TEST(config_model_test, replacing_unreadable_values_needs_one_confirmation)
     EXPECT_FALSE(model.dirty());
 }
 
+TEST(config_model_test, a_key_that_could_not_be_read_stands_for_every_value)
+{
+    LoadedSettings loaded = defaults();
+    loaded.failures = {{.name = u"", .text = u"RegCreateKeyExW", .code = 5}};
+    const config_model model(std::move(loaded));
+    EXPECT_THAT(model.confirmations_for(model.collect({})).replaced_values,
+                ElementsAre(u"securityDescriptor", u"autoDiscovery", u"sharedPorts", u"language"));
+}
+
 TEST(config_model_test, only_another_language_is_a_change)
 {
-    config_model model(DefaultServerSettings(), {});
+    config_model model(defaults());
     EXPECT_FALSE(model.choose_language(u""));
     EXPECT_FALSE(model.dirty());
     EXPECT_TRUE(model.choose_language(u"en"));

@@ -1,5 +1,4 @@
 #include "fixture.h"
-#include "reload_listener.h"
 
 namespace {
 
@@ -137,7 +136,7 @@ protected:
         device_database::remove_port_device(u"COM7");
     }
 
-    reload_listener server_;
+    support::reload_listener server_;
 };
 
 TEST_F(absent_port_test, dropping_stored_ports_that_are_not_present_is_asked_first)
@@ -153,17 +152,28 @@ TEST_F(absent_port_test, dropping_stored_ports_that_are_not_present_is_asked_fir
     utility::answer(refused, id::no);
     EXPECT_TRUE(program.apply_enabled());
     EXPECT_THAT(settings_key::read(), ElementsAre(Pair(u"sharedPorts", ports({3, 7, 12}))));
-    EXPECT_TRUE(server_.heard(0));
+    EXPECT_TRUE(heard(server_, 0));
 
     program.control(id::apply).post_click();
     utility::answer(program.message(question_title), id::yes);
-    EXPECT_TRUE(server_.heard(1));
+    EXPECT_TRUE(heard(server_, 1));
     EXPECT_THAT(settings_key::read(), ElementsAre(Pair(u"sharedPorts", ports({1, 3}))));
     EXPECT_FALSE(program.apply_enabled());
 
     program.check_ports({3});
     program.control(id::apply).click();
-    EXPECT_TRUE(server_.heard(2)) << "asked once only";
+    EXPECT_TRUE(heard(server_, 2)) << "asked once only";
+}
+
+TEST_F(absent_port_test, the_question_tells_when_no_port_is_left_and_all_get_shared)
+{
+    const utility program;
+    program.check_ports({});
+    program.control(id::apply).post_click();
+    const ui_driver::dialog question = program.message(question_title);
+    EXPECT_THAT(utility::text_of(question), testing::HasSubstr("all ports will be shared: COM7, COM12."));
+    utility::answer(question, id::no);
+    EXPECT_THAT(settings_key::read(), ElementsAre(Pair(u"sharedPorts", ports({3, 7, 12}))));
 }
 
 TEST_F(absent_port_test, answering_no_to_ok_keeps_the_window_and_its_changes)

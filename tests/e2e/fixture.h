@@ -2,6 +2,8 @@
 
 #include "device_database/device_database.h"
 #include "settings_key.h"
+#include "support/reload_listener.h"
+#include "ui_driver/polling.h"
 #include "utility.h"
 
 #include <gmock/gmock.h>
@@ -23,5 +25,11 @@ protected:
     }
     void TearDown() override { settings_key::remove(); }
 };
+
+/// Waits until the server was signalled `times` times since it listens. \return false when it was more or less
+inline bool heard(const support::reload_listener& server, int times)
+{
+    return ui_driver::eventually([&] { return server.signals() >= times; }) && server.signals() == times;
+}
 
 } // namespace e2e

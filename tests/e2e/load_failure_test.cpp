@@ -1,6 +1,5 @@
 #include "base/utf.h"
 #include "fixture.h"
-#include "reload_listener.h"
 #include "support/cases.h"
 
 #include <array>
@@ -32,7 +31,7 @@ protected:
 
     std::u16string readable_;
     stored_values before_;
-    reload_listener server_;
+    support::reload_listener server_;
 };
 
 TEST_P(load_failure_test, is_named_at_the_start_and_replaced_only_when_that_is_agreed_to)
@@ -56,17 +55,17 @@ TEST_P(load_failure_test, is_named_at_the_start_and_replaced_only_when_that_is_a
     EXPECT_THAT(utility::text_of(question), HasSubstr(girder::to_utf8(GetParam().value)));
     utility::answer(question, id::no);
     EXPECT_EQ(settings_key::read(), before_);
-    EXPECT_TRUE(server_.heard(0));
+    EXPECT_TRUE(heard(server_, 0));
     EXPECT_TRUE(program.apply_enabled());
 
     program.control(id::apply).post_click();
     utility::answer(program.message(question_title), id::yes);
-    EXPECT_TRUE(server_.heard(1));
+    EXPECT_TRUE(heard(server_, 1));
     EXPECT_THAT(settings_key::read(), testing::Contains(Pair(u"sharedPorts", ports({3}))));
 
     program.check_ports({1});
     program.control(id::apply).click();
-    EXPECT_TRUE(server_.heard(2)) << "asked at the first Apply only";
+    EXPECT_TRUE(heard(server_, 2)) << "asked at the first Apply only";
 }
 
 INSTANTIATE_TEST_SUITE_P(values, load_failure_test,
@@ -84,7 +83,7 @@ using unreachable_key_test = machine_test;
 
 TEST_F(unreachable_key_test, a_save_that_fails_is_shown_and_keeps_the_window)
 {
-    const reload_listener server;
+    const support::reload_listener server;
     const utility program;
     program.control(id::auto_discovery).click();
     settings_key::block();
@@ -92,7 +91,7 @@ TEST_F(unreachable_key_test, a_save_that_fails_is_shown_and_keeps_the_window)
     const ui_driver::dialog box = program.message(error_title);
     EXPECT_THAT(utility::text_of(box), testing::Not(testing::IsEmpty()));
     utility::answer(box, id::ok);
-    EXPECT_TRUE(server.heard(0));
+    EXPECT_TRUE(heard(server, 0));
     EXPECT_FALSE(program.control(id::auto_discovery).checked());
     EXPECT_FALSE(program.apply_enabled());
 
@@ -100,7 +99,7 @@ TEST_F(unreachable_key_test, a_save_that_fails_is_shown_and_keeps_the_window)
     program.control(id::share_selected).click();
     program.control(id::ok).post_click();
     EXPECT_EQ(program.exit_code(), 0U);
-    EXPECT_TRUE(server.heard(1));
+    EXPECT_TRUE(heard(server, 1));
     EXPECT_THAT(settings_key::read(), testing::Contains(Pair(u"autoDiscovery", number(0))));
 }
 
@@ -113,6 +112,16 @@ TEST_F(unreachable_key_test, a_key_that_cannot_be_opened_is_reported_and_the_def
     EXPECT_TRUE(program.control(id::auto_discovery).checked());
     EXPECT_THAT(program.checked_ports(), ElementsAre(1, 3, 7, 10));
     EXPECT_FALSE(program.apply_enabled());
+
+    settings_key::remove();
+    settings_key::write(u"language", text(u"de"));
+    const stored_values before = settings_key::read();
+    program.control(id::auto_discovery).click();
+    program.control(id::apply).post_click();
+    const ui_driver::dialog question = program.message(question_title);
+    EXPECT_THAT(utility::text_of(question), HasSubstr("securityDescriptor, autoDiscovery, sharedPorts, language"));
+    utility::answer(question, id::no);
+    EXPECT_EQ(settings_key::read(), before);
     EXPECT_EQ(program.close(), 0U);
 }
 

@@ -1,7 +1,11 @@
 #include "fixture.h"
-#include "reload_listener.h"
 #include "support/handle_count.h"
 #include "ui_driver/polling.h"
+
+#include <windows.h>
+
+#include <aclapi.h>
+#include <sddl.h>
 
 #include <algorithm>
 
@@ -43,16 +47,32 @@ TEST_F(process_test, a_window_of_any_program_with_the_title_stops_the_start)
     ::DestroyWindow(other);
 }
 
+/// The access list of a kernel object as a security descriptor string.
+std::wstring descriptor_of(const girder::unique_kernel_handle& object)
+{
+    girder::unique_local_memory descriptor;
+    girder::unique_local_memory text;
+    if (::GetSecurityInfo(object.get(), SE_KERNEL_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, nullptr, nullptr,
+                          descriptor.put()) != ERROR_SUCCESS ||
+        !::ConvertSecurityDescriptorToStringSecurityDescriptorW(descriptor.get(), SDDL_REVISION_1,
+                                                                DACL_SECURITY_INFORMATION,
+                                                                reinterpret_cast<wchar_t**>(text.put()), nullptr))
+        return {};
+    return static_cast<const wchar_t*>(text.get());
+}
+
 TEST_F(process_test, the_running_marker_lives_as_long_as_the_program)
 {
-    const auto marked = [] {
-        return static_cast<bool>(girder::unique_kernel_handle(
-            ::OpenMutexW(MUTEX_ALL_ACCESS, FALSE, L"Global\\Zelmarkco_TIDELINK_SERVER__Running_Mutex")));
+    const auto marker = [] {
+        return girder::unique_kernel_handle(
+            ::OpenMutexW(MUTEX_ALL_ACCESS, FALSE, L"Global\\Zelmarkco_TIDELINK_SERVER__Running_Mutex"));
     };
+    const auto marked = [&marker] { return static_cast<bool>(marker()); };
     EXPECT_FALSE(marked());
     const utility program;
     EXPECT_TRUE(program.window().exists());
     EXPECT_TRUE(marked());
+    EXPECT_EQ(descriptor_of(marker()), L"D:(A;;0x1f0001;;;WD)");
     EXPECT_EQ(program.close(), 0U);
     EXPECT_TRUE(ui_driver::eventually([&] { return !marked(); }));
 }
@@ -73,7 +93,7 @@ TEST_F(process_test, a_restart_saves_and_starts_one_new_copy_when_the_old_window
 
 TEST_F(process_test, handles_do_not_grow_over_200_saves)
 {
-    const reload_listener server;
+    const support::reload_listener server;
     const utility program;
     const auto save_and_count_handles = [&] {
         program.control(id::auto_discovery).click();
@@ -88,7 +108,7 @@ TEST_F(process_test, handles_do_not_grow_over_200_saves)
     for (int save = 0; save < 200; ++save)
         after = save_and_count_handles();
     EXPECT_LE(after, before);
-    EXPECT_TRUE(server.heard(210));
+    EXPECT_TRUE(heard(server, 210));
     EXPECT_EQ(program.close(), 0U);
 }
 

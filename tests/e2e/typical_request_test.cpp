@@ -1,5 +1,4 @@
 #include "fixture.h"
-#include "reload_listener.h"
 
 namespace {
 
@@ -11,7 +10,7 @@ using ui_driver::list_row;
 
 class typical_request_test : public machine_test {
 protected:
-    reload_listener server_;
+    support::reload_listener server_;
 };
 
 TEST_F(typical_request_test, sharing_one_port_reaches_the_registry_and_the_server_and_is_shown_again)
@@ -34,7 +33,7 @@ TEST_F(typical_request_test, sharing_one_port_reaches_the_registry_and_the_serve
 
     first.control(id::apply).click();
     EXPECT_THAT(settings_key::read(), ElementsAre(Pair(u"sharedPorts", binary({3, 0, 0, 0}))));
-    EXPECT_TRUE(server_.heard(1));
+    EXPECT_TRUE(heard(server_, 1));
     EXPECT_FALSE(first.apply_enabled());
     EXPECT_EQ(first.close(), 0U);
 
@@ -45,7 +44,7 @@ TEST_F(typical_request_test, sharing_one_port_reaches_the_registry_and_the_serve
     EXPECT_FALSE(second.apply_enabled());
     second.control(id::ok).post_click();
     EXPECT_EQ(second.exit_code(), 0U);
-    EXPECT_TRUE(server_.heard(1)) << "OK without a change writes nothing";
+    EXPECT_TRUE(heard(server_, 1)) << "OK without a change writes nothing";
 }
 
 TEST_F(typical_request_test, ok_after_changes_writes_once_and_ends_the_program)
@@ -56,7 +55,7 @@ TEST_F(typical_request_test, ok_after_changes_writes_once_and_ends_the_program)
     program.check_ports({7, 10});
     program.control(id::ok).post_click();
     EXPECT_EQ(program.exit_code(), 0U);
-    EXPECT_TRUE(server_.heard(1));
+    EXPECT_TRUE(heard(server_, 1));
     EXPECT_THAT(settings_key::read(),
                 ElementsAre(Pair(u"autoDiscovery", number(0)), Pair(u"sharedPorts", ports({7, 10}))));
 }
@@ -68,7 +67,7 @@ TEST_F(typical_request_test, ok_without_changes_writes_nothing)
     program.window().item(id::ok).post_click();
     EXPECT_EQ(program.exit_code(), 0U);
     EXPECT_THAT(settings_key::read(), ElementsAre(Pair(u"left by another program", text(u"x"))));
-    EXPECT_TRUE(server_.heard(0));
+    EXPECT_TRUE(heard(server_, 0));
 }
 
 TEST_F(typical_request_test, cancel_and_the_close_box_write_nothing)
@@ -85,7 +84,7 @@ TEST_F(typical_request_test, cancel_and_the_close_box_write_nothing)
         EXPECT_EQ(program.exit_code(), 0U);
     }
     EXPECT_THAT(settings_key::read(), ElementsAre(Pair(u"sharedPorts", ports({1}))));
-    EXPECT_TRUE(server_.heard(0));
+    EXPECT_TRUE(heard(server_, 0));
 }
 
 } // namespace

@@ -91,6 +91,22 @@ TEST_F(registry_test, every_kind_reads_back_as_it_was_written)
     EXPECT_EQ(stored(L"", L"text"), std::pair(DWORD{REG_SZ}, DWORD{18})) << "with its terminating null";
 }
 
+TEST_F(registry_test, a_date_without_a_text_is_written_as_null)
+{
+    constexpr file_time before_1970{unix_epoch_ticks - ticks_per_second};
+    {
+        const auto writer = store().open_for_writing();
+        writer->write_date("date", before_1970);
+        writer->begin_array("dates", 2);
+        writer->write_date({}, before_1970);
+        writer->write_date({}, file_time{unix_epoch_ticks});
+        writer->end_array();
+    }
+    EXPECT_EQ(stored(L"", L"date").first, 0xFFFFU);
+    EXPECT_EQ(stored(L"dates", L"00000").first, DWORD{REG_NONE});
+    EXPECT_EQ(stored(L"dates", L"00001").first, DWORD{REG_SZ});
+}
+
 TEST_F(registry_test, numbers_take_four_bytes_where_they_fit)
 {
     const std::pair<std::int64_t, DWORD> signed_numbers[] = {

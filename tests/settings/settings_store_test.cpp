@@ -3,6 +3,7 @@
 #include "base/wide.h"
 #include "service/reload_event.h"
 #include "settings/settings_store.h"
+#include "support/reload_listener.h"
 #include "support/scratch_hive.h"
 
 #include <windows.h>
@@ -73,13 +74,28 @@ TEST_F(settings_store_test, saved_settings_are_loaded_again_and_what_stood_there
 TEST_F(settings_store_test, each_save_sets_the_servers_event_once)
 {
     SaveSettings(DefaultServerSettings());
-    const girder::unique_kernel_handle event{::CreateEventW(nullptr, FALSE, FALSE, girder::as_wide(reload_event_name))};
-    ASSERT_TRUE(event);
+    const support::reload_listener server;
+    EXPECT_EQ(server.signals(), 0);
     SaveSettings(DefaultServerSettings());
-    EXPECT_EQ(::WaitForSingleObject(event.get(), 0), DWORD{WAIT_OBJECT_0});
-    EXPECT_EQ(::WaitForSingleObject(event.get(), 0), DWORD{WAIT_TIMEOUT});
+    EXPECT_EQ(server.signals(), 1);
     LoadSettings();
-    EXPECT_EQ(::WaitForSingleObject(event.get(), 0), DWORD{WAIT_TIMEOUT}) << "loading signals nothing";
+    EXPECT_EQ(server.signals(), 1) << "loading signals nothing";
+}
+
+TEST_F(settings_store_test, ports_may_be_stored_as_an_array_which_a_value_of_that_name_hides)
+{
+    girder::unique_registry_key list;
+    const std::wstring path = std::wstring(key_path) + L"\\sharedPorts";
+    ASSERT_EQ(::RegCreateKeyW(HKEY_LOCAL_MACHINE, path.c_str(), list.put()), ERROR_SUCCESS);
+    const std::pair<const wchar_t*, DWORD> elements[] = {{L"@count", 2}, {L"00001", 1}, {L"00000", 7}};
+    for (const auto& [name, number] : elements)
+        ASSERT_EQ(::RegSetKeyValueW(list.get(), nullptr, name, REG_DWORD, &number, sizeof number), ERROR_SUCCESS);
+    EXPECT_THAT(LoadSettings().sharedPorts, ElementsAre(7, 1));
+    constexpr DWORD port = 3;
+    set(L"sharedPorts", REG_BINARY, &port, sizeof port);
+    EXPECT_THAT(LoadSettings().sharedPorts, ElementsAre(3));
+    SaveSettings(DefaultServerSettings());
+    EXPECT_THAT(LoadSettings().sharedPorts, IsEmpty()) << "a save replaces the array, too";
 }
 
 TEST_F(settings_store_test, what_can_be_read_is_loaded_and_the_rest_is_reported)
