@@ -17,6 +17,7 @@ bool contains(const std::vector<std::uint32_t>& numbers, std::uint32_t number)
 std::vector<std::u16string> names_of_every_value()
 {
     std::vector<std::u16string> names;
+    names.reserve(server_settings_fields.names.size());
     for (const std::string_view name : server_settings_fields.names)
         names.push_back(girder::to_utf16(name));
     return names;
