@@ -83,10 +83,13 @@ stored_values settings_key::read()
     if (!key)
         return values;
     std::array<wchar_t, 256> name{};
-    std::array<std::uint8_t, 4096> data{};
+    DWORD largest = 0;
+    ::RegQueryInfoKeyW(key.get(), nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &largest,
+                       nullptr, nullptr);
+    std::vector<std::uint8_t> data(largest);
     for (DWORD index = 0;; ++index) {
         DWORD name_length = name.size();
-        DWORD size = data.size();
+        DWORD size = largest;
         stored_value value;
         if (::RegEnumValueW(key.get(), index, name.data(), &name_length, nullptr, &value.type, data.data(), &size) !=
             ERROR_SUCCESS)
