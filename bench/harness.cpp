@@ -104,4 +104,13 @@ void report::compare(const comparison& works)
     std::fflush(stdout);
 }
 
+void report::state(const std::string& what, double figure, double goal, const char* unit)
+{
+    const bool missed = figure > goal;
+    missed_ = missed_ || missed;
+    std::printf("| %s | %.0f %s | - | - | %.0f %s | %s |\n", what.c_str(), figure, unit, goal, unit,
+                missed ? "**not held**" : "held");
+    std::fflush(stdout);
+}
+
 } // namespace bench

@@ -50,6 +50,10 @@ public:
     /// the ratio to it, and whether the goal holds. Ends the process where a participant's result is wrong.
     void compare(const comparison& works);
 
+    /// Prints a row for a figure that is no run time: at most `goal` holds.
+    /// \param unit  of both, e.g. "KiB"
+    void state(const std::string& what, double figure, double goal, const char* unit);
+
     /// Exit code of a benchmark: 0, or 2 where a goal was missed.
     int exit_code() const { return missed_ ? 2 : 0; }
 

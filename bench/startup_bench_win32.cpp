@@ -9,6 +9,7 @@
 #include <windows.h>
 
 #include <commctrl.h>
+#include <psapi.h>
 
 #include <memory>
 #include <string>
@@ -20,7 +21,7 @@ namespace {
 using girder::throw_last_error;
 
 constexpr DWORD patience_ms = 20'000;
-constexpr int port_count = 12;
+constexpr int port_count = 16;
 
 /// A dialog program that is started again and again, one instance at a time.
 class program {
@@ -45,6 +46,15 @@ public:
     }
 
     bool lists_the_ports() const { return ListView_GetItemCount(::GetDlgItem(dialog_, IDC_PORTS)) == port_count; }
+
+    /// In bytes, of the program as it stands idle.
+    std::size_t private_memory() const
+    {
+        PROCESS_MEMORY_COUNTERS memory{};
+        if (!::GetProcessMemoryInfo(process_.get(), &memory, sizeof memory))
+            throw_last_error("GetProcessMemoryInfo");
+        return memory.PagefileUsage;
+    }
 
     void close()
     {
@@ -79,9 +89,8 @@ private:
     HWND dialog_ = nullptr;
 };
 
-bench::participant starts(const char* name, std::u16string path)
+bench::participant starts(const char* name, const std::shared_ptr<program>& started)
 {
-    const auto started = std::make_shared<program>(std::move(path));
     return {.name = name,
             .run = [started] { started->start_to_idle(); },
             .is_right =
@@ -104,6 +113,19 @@ void fill_device_database()
     }
 }
 
+/// How much more the first takes than the second, in KiB.
+double memory_above(program& first, program& second)
+{
+    first.start_to_idle();
+    const auto taken = static_cast<double>(first.private_memory());
+    first.close();
+    second.start_to_idle();
+    const auto other = static_cast<double>(second.private_memory());
+    second.close();
+
+    return (taken - other) / 1024;
+}
+
 } // namespace
 
 int main()
@@ -111,13 +133,16 @@ int main()
     fill_device_database();
     bench::report report("Start");
     const std::u16string folder = girder::program_folder();
+    const auto utility = std::make_shared<program>(folder + u"..\\tl_server_config.exe");
+    const auto reference = std::make_shared<program>(folder + u"reference_dialog.exe");
     report.compare({.work = "start to idle",
                     .goal = 1.10,
-                    .subject = starts("tl_server_config", folder + u"..\\tl_server_config.exe"),
-                    .peers = {starts("reference dialog", folder + u"reference_dialog.exe")},
+                    .subject = starts("tl_server_config", utility),
+                    .peers = {starts("reference dialog", reference)},
                     .draw = [](bench::random_source&) {},
                     .checked_draws = 2,
-                    .rounds = 41});
+                    .rounds = 21});
+    report.state("private memory above the reference dialog's", memory_above(*utility, *reference), 3 * 1024, "KiB");
     device_database::remove_port_devices();
     return report.exit_code();
 }
