@@ -24,7 +24,7 @@ TEST_F(process_test, a_second_start_ends_at_once_and_brings_the_window_to_the_fr
     const utility second;
     EXPECT_EQ(second.exit_code(), 0U);
     EXPECT_TRUE(ui_driver::eventually([&] { return ::GetForegroundWindow() == window.handle(); }));
-    EXPECT_FALSE(::IsIconic(window.handle()));
+    EXPECT_TRUE(ui_driver::eventually([&] { return !::IsIconic(window.handle()); }));
     EXPECT_EQ(ui_driver::find_dialogs(main_window_title).size(), 1U);
     EXPECT_EQ(first.close(), 0U);
 }

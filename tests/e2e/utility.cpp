@@ -2,10 +2,10 @@
 
 #include "base/utf.h"
 #include "base/wide.h"
-#include "base/win32_error.h"
 #include "ui_driver/polling.h"
 
 #include <algorithm>
+#include <stdexcept>
 
 namespace e2e {
 
@@ -22,7 +22,7 @@ utility::utility()
     PROCESS_INFORMATION started{};
     if (!::CreateProcessW(nullptr, girder::as_wide(command_line.data()), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
                           &startup, &started))
-        girder::throw_last_error("CreateProcessW");
+        throw std::runtime_error("CreateProcessW: " + std::to_string(::GetLastError()));
     process_.reset(started.hProcess);
     id_ = started.dwProcessId;
     ::CloseHandle(started.hThread);
