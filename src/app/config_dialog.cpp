@@ -1,5 +1,6 @@
 #include "app/config_dialog.h"
 
+#include "app/access_command.h"
 #include "app/config_layout.h"
 #include "app/error_log.h"
 #include "app/message_texts.h"
@@ -59,7 +60,7 @@ constexpr control_text control_texts[] = {
 };
 
 /// Present in the window, and without a command behind them yet.
-constexpr int unavailable_controls[] = {IDC_START, IDC_STOP, IDC_SECURITY, IDC_ABOUT};
+constexpr int unavailable_controls[] = {IDC_START, IDC_STOP, IDC_ABOUT};
 
 /// The first items with a comma between them; an ellipsis stands for those that a message has no room for.
 template <typename Item, typename ToText>
@@ -84,6 +85,7 @@ constexpr command_route<ConfigDialog> ConfigDialog::commands[] = {
     {IDC_SHARE_ALL, BN_CLICKED, &ConfigDialog::on_share_mode_selected},
     {IDC_SHARE_SELECTED, BN_CLICKED, &ConfigDialog::on_share_mode_selected},
     {IDC_AUTO_DISCOVERY, BN_CLICKED, &ConfigDialog::on_changed},
+    {IDC_SECURITY, BN_CLICKED, &ConfigDialog::on_security},
     {IDC_LANGUAGE, CBN_SELCHANGE, &ConfigDialog::on_language_selected},
 };
 
@@ -114,6 +116,7 @@ bool ConfigDialog::on_initialise()
     for (const auto& [id, mode] : share_buttons)
         set_checked_button(control(id), mode == model_.initial_share_mode());
     fill_ports();
+    show_who_can_connect();
     model_.clear_dirty();
     show_dirty();
     show_service_state();
@@ -259,6 +262,18 @@ void ConfigDialog::on_changed()
     show_dirty();
 }
 
+void ConfigDialog::on_security()
+{
+    std::u16string edited = edit_access(window(), model_.descriptor(), access_editor_);
+    // The window may have been closed under the editor.
+    if (edited.empty() || !window())
+        return;
+    model_.change_descriptor(std::move(edited));
+    show_dirty();
+    show_who_can_connect();
+    lay_out(dpi());
+}
+
 void ConfigDialog::on_language_selected()
 {
     const std::ptrdiff_t selected = selected_combo_index(control(IDC_LANGUAGE));
@@ -362,6 +377,11 @@ void ConfigDialog::show_dirty()
     if (!model_.dirty() && ::GetFocus() == control(IDC_APPLY))
         ::SendMessageW(window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(control(IDOK)), TRUE);
     set_enabled(control(IDC_APPLY), model_.dirty());
+}
+
+void ConfigDialog::show_who_can_connect()
+{
+    set_window_text(control(IDC_ACCESS_WORDS), access_words(model_.descriptor()));
 }
 
 } // namespace tidelink

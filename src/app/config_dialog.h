@@ -3,6 +3,7 @@
 #include "app/config_model.h"
 #include "app/restart_request.h"
 #include "async/ui_thread.h"
+#include "security/edit_security.h"
 #include "settings/settings_store.h"
 #include "ui/dialog.h"
 
@@ -12,6 +13,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tidelink {
@@ -29,6 +31,9 @@ public:
     /// Creates the window, hidden and filled.
     /// \throws girder::system_error
     void create();
+
+    /// Puts another editor behind the Security button, in the place of the system's.
+    void use_access_editor(access_editor editor) { access_editor_ = std::move(editor); }
 
 protected:
     bool on_initialise() override;
@@ -56,6 +61,7 @@ private:
     void on_apply();
     void on_share_mode_selected();
     void on_changed();
+    void on_security();
     void on_language_selected();
 
     /// Writes the settings when something has changed. \return false when the administrator declined a question that
@@ -70,11 +76,13 @@ private:
     control_state read_controls() const;
     void enable_list_by_share_mode();
     void show_dirty();
+    void show_who_can_connect();
 
     girder::ui_thread& thread_;
     restart_request& restart_;
     std::vector<LoadFailure> failures_;
     config_model model_;
+    access_editor access_editor_ = run_system_access_editor;
     std::vector<std::u16string> languages_; ///< locales, in the order of the combo box
 };
 

@@ -22,7 +22,9 @@ box config_dialog_layout(const control_measure& measure)
         row({measure.label(IDC_STATUS_LABEL), growing_wide(measure.edit(IDC_STATUS, status_characters)), filler(gap),
              with_equal_widths(row({measure.push_button(IDC_START), measure.push_button(IDC_STOP)}, gap))},
             gap);
-    const box access = row({measure.push_button(IDC_SECURITY), filler(gap), measure.drop_down_list(IDC_LANGUAGE)}, gap);
+    const box who_can_connect = growing_wide(measure.wrapped_text(IDC_ACCESS_WORDS, measure.units().horizontal(135)));
+    const box access =
+        row({measure.push_button(IDC_SECURITY), who_can_connect, measure.drop_down_list(IDC_LANGUAGE)}, gap);
     const box sharing = column({measure.mark_button(IDC_SHARE_ALL), measure.mark_button(IDC_SHARE_SELECTED),
                                 padded(growing_both(measure.list(IDC_PORTS, list_rows, list_characters)),
                                        {.left = indent, .top = 0, .right = 0, .bottom = 0}),

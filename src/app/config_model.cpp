@@ -37,7 +37,8 @@ std::vector<std::u16string> unreadable_values(const std::vector<LoadFailure>& fa
 } // namespace
 
 config_model::config_model(LoadedSettings loaded)
-    : settings_(std::move(loaded.settings)), unreadable_(unreadable_values(loaded.failures))
+    : settings_(std::move(loaded.settings)), descriptor_(settings_.securityDescriptor),
+      unreadable_(unreadable_values(loaded.failures))
 {}
 
 std::vector<port_row> config_model::rows_of(const std::vector<SerialPortInfo>& present)
@@ -67,11 +68,18 @@ bool config_model::choose_language(std::u16string_view language)
     return true;
 }
 
+void config_model::change_descriptor(std::u16string descriptor)
+{
+    descriptor_ = std::move(descriptor);
+    dirty_ = true;
+}
+
 ServerSettings config_model::collect(const control_state& controls) const
 {
     ServerSettings next = settings_;
     next.autoDiscovery = controls.auto_discovery;
     next.sharedPorts = controls.share ? controls.checked_ports : std::vector<std::uint32_t>{};
+    next.securityDescriptor = descriptor_;
     return next;
 }
 

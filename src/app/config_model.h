@@ -57,6 +57,10 @@ public:
     /// Makes `language` the one to store. \return false when it is the current one: nothing has changed
     bool choose_language(std::u16string_view language);
 
+    /// The access list under edit, as an SDDL string; at first the stored one.
+    const std::u16string& descriptor() const noexcept { return descriptor_; }
+    void change_descriptor(std::u16string descriptor);
+
     /// The record that applying `controls` would store. The checked ports are shared whichever radio button is checked;
     /// none is listed only when neither is. An empty list means that all ports are shared.
     ServerSettings collect(const control_state& controls) const;
@@ -70,6 +74,7 @@ public:
 
 private:
     ServerSettings settings_;
+    std::u16string descriptor_;
     std::vector<std::u16string> unreadable_;
     std::vector<std::uint32_t> present_;
     bool dirty_ = false;

@@ -29,8 +29,10 @@ inline constexpr int share_all = 1005;
 inline constexpr int share_selected = 1006;
 inline constexpr int port_list = 1007;
 inline constexpr int auto_discovery = 1008;
+inline constexpr int security = 1010;
 inline constexpr int language = 1016;
 inline constexpr int message_text = 1022;
+inline constexpr int access_words = 1023;
 } // namespace id
 
 /// One run of the program. Ended with the object when it still runs.

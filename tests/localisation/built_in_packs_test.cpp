@@ -22,7 +22,7 @@ TEST_F(built_in_packs_test, hold_every_constant_at_an_even_address)
     for (const std::uint32_t id : string_slot::ids) {
         const StringEntry* const entry = program_strings().find_or_null(id);
         ASSERT_NE(entry, nullptr) << std::hex << id;
-        const std::u16string_view text = id == string_id::service_status ? entry->item(0) : entry->text();
+        const std::u16string_view text = entry->text().empty() ? entry->item(0) : entry->text();
         EXPECT_FALSE(text.empty()) << std::hex << id;
         EXPECT_EQ(reinterpret_cast<std::uintptr_t>(text.data()) % sizeof(char16_t), 0U) << std::hex << id;
         EXPECT_EQ(text.data()[text.size()], u'\0') << std::hex << id;
