@@ -17,7 +17,7 @@ namespace {
 
 using namespace fmtkit::literals;
 
-std::array<__time64_t, 100> drawn;
+std::array<__time64_t, 500> drawn;
 
 /// The runtime has neither %F nor %T nor a numeric zone.
 /// \return the length
