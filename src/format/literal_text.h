@@ -98,7 +98,8 @@ public:
         character* const begin = units <= short_literal_result ? buffer : extend(out, units);
         const character* const end = write(begin);
         if (begin == buffer)
-            out.append(buffer, static_cast<std::size_t>(end - buffer));
+            copy_text(extend(out, static_cast<std::size_t>(end - buffer)),
+                      text_view(buffer, static_cast<std::size_t>(end - buffer)));
         else
             out.resize(static_cast<std::size_t>(end - out.data()));
     }

@@ -78,42 +78,52 @@ std::optional<int> kept_distance(std::int64_t seconds)
     return span.distance();
 }
 
-constexpr std::array<int, 12> days_before_month = {0, 31, 59, 90, 120, 151, 181, 212, 243, 273, 304, 334};
-
-void set_fields(std::tm& local, std::int64_t shifted)
+/// \param shifted  local time in seconds since 1970, as if it were UTC
+void set_fields(local_fields& local, std::int64_t shifted)
 {
     constexpr std::int64_t seconds_of_day = 86'400;
-    // Not negative: counted from one day earlier, for the west of Greenwich on the first day.
-    const auto days = static_cast<std::uint64_t>(shifted + seconds_of_day) / seconds_of_day;
-    const auto second = static_cast<unsigned>(static_cast<std::uint64_t>(shifted + seconds_of_day) % seconds_of_day);
-    const chrono::sys_days day{chrono::days(static_cast<int>(days) - 1)};
-    const chrono::year_month_day date(day);
-    local.tm_year = static_cast<int>(date.year()) - 1900;
-    local.tm_mon = static_cast<int>(static_cast<unsigned>(date.month())) - 1;
-    local.tm_mday = static_cast<int>(static_cast<unsigned>(date.day()));
-    local.tm_hour = static_cast<int>(second / 3600);
-    local.tm_min = static_cast<int>(second / 60 % 60);
-    local.tm_sec = static_cast<int>(second % 60);
-    local.tm_wday = static_cast<int>(chrono::weekday(day).c_encoding());
-    const bool behind_leap_day = date.year().is_leap() && date.month() > chrono::February;
-    local.tm_yday = days_before_month[static_cast<std::size_t>(local.tm_mon)] + local.tm_mday - 1 + behind_leap_day;
-    local.tm_isdst = -1;
+    // Counted from one day earlier, for the west of Greenwich on the first day.
+    const auto since_1969 = static_cast<std::uint64_t>(shifted + seconds_of_day);
+    const auto second = static_cast<unsigned>(since_1969 % seconds_of_day);
+    local.days = static_cast<int>(since_1969 / seconds_of_day) - 1;
+    const chrono::year_month_day date(chrono::sys_days(chrono::days(local.days)));
+    local.year = static_cast<int>(date.year());
+    local.month = static_cast<int>(static_cast<unsigned>(date.month()));
+    local.day = static_cast<int>(static_cast<unsigned>(date.day()));
+    local.hour = static_cast<int>(second / 3600);
+    local.minute = static_cast<int>(second / 60 % 60);
+    local.second = static_cast<int>(second % 60);
 }
 
 } // namespace
+
+int local_fields::weekday() const noexcept
+{
+    // The first of January 1970 was a Thursday.
+    return (days + 7 + 4) % 7;
+}
+
+int local_fields::day_of_year() const noexcept
+{
+    return days -
+           static_cast<int>(chrono::sys_days(chrono::year(year) / chrono::January / 1).time_since_epoch().count());
+}
 
 bool get_local_fields(std::int64_t seconds, local_fields& local)
 {
     if (seconds < 0 || seconds > last_local_second)
         return false;
-    if (const std::optional<int> distance = kept_distance(seconds)) {
-        local.distance = *distance;
-        set_fields(local.time, seconds + std::int64_t{*distance} * 60);
-        return true;
+    std::int64_t distance = 0;
+    if (const std::optional<int> kept = kept_distance(seconds)) {
+        distance = std::int64_t{*kept} * 60;
+    } else {
+        std::tm known{};
+        if (!to_local_time(seconds, known))
+            return false;
+        distance = seconds_as_utc(known) - seconds;
     }
-    if (!to_local_time(seconds, local.time))
-        return false;
-    local.distance = static_cast<int>((seconds_as_utc(local.time) - seconds) / 60);
+    local.distance = static_cast<int>(distance / 60);
+    set_fields(local, seconds + distance);
     return true;
 }
 

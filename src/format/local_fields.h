@@ -1,13 +1,24 @@
 #pragma once
 
 #include <cstdint>
-#include <ctime>
 
 namespace fmtkit::details {
 
+/// A date and a time of day as a local clock and calendar show them.
 struct local_fields {
-    std::tm time{};   ///< tm_isdst and what else tells about summer time may be unknown
+    int year = 1970;
+    int month = 1;
+    int day = 1;
+    int hour = 0;
+    int minute = 0;
+    int second = 0;
+    int days = 0;     ///< since 1970-01-01; -1 is possible
     int distance = 0; ///< to UTC in minutes, east of Greenwich positive
+
+    /// 0 for Sunday.
+    int weekday() const noexcept;
+    /// 0 for the first of January.
+    int day_of_year() const noexcept;
 };
 
 /// Local time as to_local_time gives it, but much faster: the zone's distance to UTC is asked from the C runtime for

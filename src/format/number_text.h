@@ -203,9 +203,11 @@ Char* write_simple_number(Char* out, const FormatItem& item, std::uint64_t value
     const std::size_t digits = decimal_size(value);
     const std::size_t padding = item.minWidth > digits ? item.minWidth - digits : 0;
     const std::size_t before = item.align == align_right ? padding : item.align == align_centre ? padding / 2 : 0;
-    out = write_padding(out, item.fill, before) + digits;
-    write_decimal_before(out, value);
-    return write_padding(out, item.fill, padding - before);
+    // As much as there may be: faster than counting how much there is.
+    if (item.minWidth > 0)
+        std::fill_n(out, simple_number_room, static_cast<Char>(item.fill));
+    write_decimal_before(out + before + digits, value);
+    return out + padding + digits;
 }
 
 } // namespace fmtkit::details

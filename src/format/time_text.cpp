@@ -24,16 +24,15 @@ struct iso_week {
     int week;
 };
 
-iso_week iso_week_of(const std::tm& local)
+iso_week iso_week_of(const local_fields& local)
 {
-    const int year = local.tm_year + 1900;
-    const int day_from_monday = (local.tm_wday + 6) % 7;
-    const int thursday = local.tm_yday - day_from_monday + 3;
+    const int day_from_monday = (local.weekday() + 6) % 7;
+    const int thursday = local.day_of_year() - day_from_monday + 3;
     if (thursday < 0)
-        return {.year = year - 1, .week = (thursday + (is_leap(year - 1) ? 366 : 365)) / 7 + 1};
-    if (thursday >= (is_leap(year) ? 366 : 365))
-        return {.year = year + 1, .week = 1};
-    return {.year = year, .week = thursday / 7 + 1};
+        return {.year = local.year - 1, .week = (thursday + (is_leap(local.year - 1) ? 366 : 365)) / 7 + 1};
+    if (thursday >= (is_leap(local.year) ? 366 : 365))
+        return {.year = local.year + 1, .week = 1};
+    return {.year = local.year, .week = thursday / 7 + 1};
 }
 
 constexpr int twelve_hour(int hour)
@@ -169,67 +168,67 @@ void time_text::convert(char16_t conversion)
         put(u'%');
         break;
     case u'C':
-        two_digits((local_.time.tm_year + 1900) / 100);
+        two_digits(local_.year / 100);
         break;
     case u'D':
-        three_numbers(local_.time.tm_mon + 1, u'/', local_.time.tm_mday, local_.time.tm_year % 100);
+        three_numbers(local_.month, u'/', local_.day, local_.year % 100);
         break;
     case u'F':
-        two_digits((local_.time.tm_year + 1900) / 100);
-        three_numbers(local_.time.tm_year % 100, u'-', local_.time.tm_mon + 1, local_.time.tm_mday);
+        two_digits(local_.year / 100);
+        three_numbers(local_.year % 100, u'-', local_.month, local_.day);
         break;
     case u'G':
-        year(iso_week_of(local_.time).year);
+        year(iso_week_of(local_).year);
         break;
     case u'H':
-        two_digits(local_.time.tm_hour);
+        two_digits(local_.hour);
         break;
     case u'I':
-        two_digits(twelve_hour(local_.time.tm_hour));
+        two_digits(twelve_hour(local_.hour));
         break;
     case u'M':
-        two_digits(local_.time.tm_min);
+        two_digits(local_.minute);
         break;
     case u'R':
-        two_digits(local_.time.tm_hour);
+        two_digits(local_.hour);
         put(u':');
-        two_digits(local_.time.tm_min);
+        two_digits(local_.minute);
         break;
     case u'S':
-        two_digits(local_.time.tm_sec);
+        two_digits(local_.second);
         break;
     case u'T':
-        three_numbers(local_.time.tm_hour, u':', local_.time.tm_min, local_.time.tm_sec);
+        three_numbers(local_.hour, u':', local_.minute, local_.second);
         break;
     case u'U':
-        two_digits((local_.time.tm_yday + 7 - local_.time.tm_wday) / 7);
+        two_digits((local_.day_of_year() + 7 - local_.weekday()) / 7);
         break;
     case u'V':
-        two_digits(iso_week_of(local_.time).week);
+        two_digits(iso_week_of(local_).week);
         break;
     case u'W':
-        two_digits((local_.time.tm_yday + 7 - (local_.time.tm_wday + 6) % 7) / 7);
+        two_digits((local_.day_of_year() + 7 - (local_.weekday() + 6) % 7) / 7);
         break;
     case u'Y':
-        year(local_.time.tm_year + 1900);
+        year(local_.year);
         break;
     case u'd':
-        two_digits(local_.time.tm_mday);
+        two_digits(local_.day);
         break;
     case u'e':
-        two_digits(local_.time.tm_mday);
-        if (local_.time.tm_mday < 10)
+        two_digits(local_.day);
+        if (local_.day < 10)
             units_[size_ - 2] = u' ';
         break;
     case u'g':
-        two_digits(iso_week_of(local_.time).year % 100);
+        two_digits(iso_week_of(local_).year % 100);
         break;
     case u'j':
-        put(static_cast<char16_t>(u'0' + (local_.time.tm_yday + 1) / 100));
-        two_digits((local_.time.tm_yday + 1) % 100);
+        put(static_cast<char16_t>(u'0' + (local_.day_of_year() + 1) / 100));
+        two_digits((local_.day_of_year() + 1) % 100);
         break;
     case u'm':
-        two_digits(local_.time.tm_mon + 1);
+        two_digits(local_.month);
         break;
     case u'n':
         put(u'\n');
@@ -241,13 +240,13 @@ void time_text::convert(char16_t conversion)
         put(u'\t');
         break;
     case u'u':
-        number(local_.time.tm_wday == 0 ? 7U : static_cast<unsigned>(local_.time.tm_wday));
+        number(local_.weekday() == 0 ? 7U : static_cast<unsigned>(local_.weekday()));
         break;
     case u'w':
-        number(static_cast<unsigned>(local_.time.tm_wday));
+        number(static_cast<unsigned>(local_.weekday()));
         break;
     case u'y':
-        two_digits(local_.time.tm_year % 100);
+        two_digits(local_.year % 100);
         break;
     case u'z':
         zone_offset();

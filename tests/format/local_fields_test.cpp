@@ -17,11 +17,10 @@ void expect_as_the_runtime(std::int64_t seconds)
     std::tm expected{};
     ASSERT_TRUE(get_local_fields(seconds, fields)) << seconds;
     ASSERT_TRUE(to_local_time(seconds, expected)) << seconds;
-    const std::tm& actual = fields.time;
-    EXPECT_TRUE(actual.tm_year == expected.tm_year && actual.tm_mon == expected.tm_mon &&
-                actual.tm_mday == expected.tm_mday && actual.tm_hour == expected.tm_hour &&
-                actual.tm_min == expected.tm_min && actual.tm_sec == expected.tm_sec &&
-                actual.tm_wday == expected.tm_wday && actual.tm_yday == expected.tm_yday)
+    EXPECT_TRUE(fields.year == expected.tm_year + 1900 && fields.month == expected.tm_mon + 1 &&
+                fields.day == expected.tm_mday && fields.hour == expected.tm_hour && fields.minute == expected.tm_min &&
+                fields.second == expected.tm_sec && fields.weekday() == expected.tm_wday &&
+                fields.day_of_year() == expected.tm_yday)
         << seconds;
 }
 
