@@ -43,6 +43,11 @@ void format_time_pattern_has_a_closing_brace()
     throw bad_extended_format_string();
 }
 
+void format_fill_is_more_than_one_unit()
+{
+    throw bad_extended_format_string();
+}
+
 } // namespace details
 
 CompiledFormat compile(std::u16string_view text)

@@ -64,14 +64,30 @@ Char* pad(Char* text, std::size_t size, const FormatItem& item)
     return std::fill_n(text + before + size, padding - before, static_cast<Char>(item.fill));
 }
 
+/// Whether a unit belongs to the same character as the one before it.
+template <typename Char>
+constexpr bool is_continuation(Char unit)
+{
+    if constexpr (sizeof(Char) == 1)
+        return (static_cast<unsigned char>(unit) & 0xC0) == 0x80;
+    else
+        return (unit & 0xFC00) == 0xDC00;
+}
+
+/// A character that the cut would split is left out.
 template <typename Char>
 Char* cut(Char* text, std::size_t size, const FormatItem& item)
 {
     const bool marked = (item.flags & flag_ellipsis) != 0;
-    const std::size_t kept = item.maxWidth - (marked ? std::size_t{1} : 0);
     const std::u16string_view mark(&ellipsis, marked ? 1 : 0);
-    if (item.align != align_right)
+    std::size_t kept = item.maxWidth - mark.size();
+    if (item.align != align_right) {
+        while (kept > 0 && is_continuation(text[kept]))
+            --kept;
         return write_text(text + kept, mark);
+    }
+    while (kept > 0 && is_continuation(text[size - kept]))
+        --kept;
     Char* const behind_mark = text + (marked ? ellipsis_size<Char> : 0);
     // Towards the front or, where the mark is longer than what is left out, towards the back.
     std::char_traits<Char>::move(behind_mark, text + size - kept, kept);
@@ -150,14 +166,14 @@ std::size_t room_for_number(const FormatItem& item)
 
 // ----------------------------------------------------------------------------------------------------------- texts
 
-/// What the width rules leave of a text in the format's own encoding, so that no more is copied.
+/// What the width rules look at of a text in the format's own encoding, so that no more is copied.
 template <typename Char>
 std::basic_string_view<Char> within_maximum(const FormatItem& item, std::basic_string_view<Char> text)
 {
-    if (item.maxWidth == 0 || text.size() <= item.maxWidth)
+    // Too long for padding, and one more than is kept: within_width cuts it.
+    const std::size_t needed = std::max<std::size_t>(item.maxWidth + std::size_t{1}, item.minWidth);
+    if (item.maxWidth == 0 || text.size() <= needed)
         return text;
-    // One more than is kept: the cut itself stays for within_width.
-    const std::size_t needed = item.maxWidth + std::size_t{1};
     return item.align == align_right ? text.substr(text.size() - needed) : text.substr(0, needed);
 }
 
@@ -243,15 +259,17 @@ std::size_t quick_room(const FormatItem& item, const argument& value) noexcept
 }
 
 template <typename Char>
-std::size_t exact_room(std::basic_string_view<Char> format, const FormatItem& item, const argument& value)
+std::size_t exact_room(const FormatItem& item, const argument& value)
 {
     if (value.type() == argument::kind::wide_text)
         return room_within_width<Char>(item, exact_units<Char>(item, value.wide_text()));
     if (value.type() == argument::kind::narrow_text)
         return room_within_width<Char>(item, exact_units<Char>(item, value.narrow_text()));
-    std::array<Char, std::max(number_room, time_room<Char>)> scratch;
-    const Char* const end = write_natural(scratch.data(), format, item, value);
-    return end ? room_within_width<Char>(item, static_cast<std::size_t>(end - scratch.data())) : 0;
+    if (!value.is_number())
+        return quick_room<Char>(item, value);
+    std::array<Char, number_room> scratch;
+    const Char* const end = write_number_or_character(scratch.data(), item, value);
+    return room_within_width<Char>(item, static_cast<std::size_t>(end - scratch.data()));
 }
 
 template <typename Char>
@@ -287,8 +305,8 @@ Char* write_escaped(Char* out, std::basic_string_view<Char> literal) noexcept
 
 template std::size_t quick_room<char>(const FormatItem&, const argument&) noexcept;
 template std::size_t quick_room<char16_t>(const FormatItem&, const argument&) noexcept;
-template std::size_t exact_room(std::string_view, const FormatItem&, const argument&);
-template std::size_t exact_room(std::u16string_view, const FormatItem&, const argument&);
+template std::size_t exact_room<char>(const FormatItem&, const argument&);
+template std::size_t exact_room<char16_t>(const FormatItem&, const argument&);
 template char* write_argument(char*, std::string_view, const FormatItem&, const argument&);
 template char16_t* write_argument(char16_t*, std::u16string_view, const FormatItem&, const argument&);
 template char* write_time(char*, std::string_view, const FormatItem&, girder::file_time);

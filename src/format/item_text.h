@@ -24,8 +24,9 @@ template <typename Char>
 std::size_t quick_room(const FormatItem& item, const argument& value) noexcept;
 
 /// The same, and no more than are written or, for what is cut after it was written, than are written before the cut.
+/// Only a time has the room of the longest: what it writes depends on more than its argument.
 template <typename Char>
-std::size_t exact_room(std::basic_string_view<Char> format, const FormatItem& item, const argument& value);
+std::size_t exact_room(const FormatItem& item, const argument& value);
 
 /// Writes an argument by the rules of a specifier that is no condition.
 /// \param format  the format text, where the patterns of time items stand

@@ -121,7 +121,7 @@ private:
     character* write(character* out) const
     {
         [&]<std::size_t... I>(std::index_sequence<I...>) {
-            std::array<bool, deepest() + 1> conditions;
+            bool conditions[deepest() + 1];
             ((out = write<I>(out, conditions)), ...);
         }(std::make_index_sequence<Format::table.size()>());
         return out;
@@ -175,14 +175,13 @@ private:
         }
     }
 
-    template <std::size_t I, std::size_t Size>
-    character* write(character* out, std::array<bool, Size>& conditions) const
+    template <std::size_t I>
+    character* write(character* out, bool* conditions) const
     {
         constexpr FormatItem item = Format::table[I];
         constexpr std::size_t depth = depths[I];
         if constexpr ((item.flags & flag_conditional) == 0) {
-            return std::all_of(conditions.begin(), conditions.begin() + depth, std::identity()) ? write<item>(out)
-                                                                                                : out;
+            return std::all_of(conditions, conditions + depth, std::identity()) ? write<item>(out) : out;
         } else if constexpr (has_argument(item)) {
             if constexpr ((item.flags & flag_condition_begin) != 0)
                 conditions[depth] = argument(std::get<item.argIndex>(values_)).is_true();

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
+#include <type_traits>
 
 namespace fmtkit::details {
 
@@ -15,6 +16,7 @@ namespace fmtkit::details {
 [[noreturn]] void format_condition_is_none_of_less_bar_greater();
 [[noreturn]] void format_time_has_no_opening_parenthesis();
 [[noreturn]] void format_time_pattern_has_a_closing_brace();
+[[noreturn]] void format_fill_is_more_than_one_unit();
 
 /// The one parser of the format language, for formats known at build time and for those that come at run time.
 ///
@@ -126,7 +128,7 @@ private:
             item.flags |= take_if('a') ? flag_sa : flag_s;
             break;
         case Char('f'):
-            item.fill = unit(take());
+            parse_fill(item);
             break;
         case Char('p'):
             item.precision = static_cast<std::uint16_t>(take_number());
@@ -166,6 +168,15 @@ private:
         default:
             break;
         }
+    }
+
+    /// In a narrow format a character of one byte.
+    constexpr void parse_fill(FormatItem& item)
+    {
+        const Char fill = take();
+        if (sizeof(Char) == 1 && (fill & 0x80) != 0)
+            format_fill_is_more_than_one_unit();
+        item.fill = static_cast<std::make_unsigned_t<Char>>(fill);
     }
 
     constexpr void parse_base(FormatItem& item)
@@ -219,14 +230,6 @@ private:
         default:
             format_condition_is_none_of_less_bar_greater();
         }
-    }
-
-    static constexpr std::uint16_t unit(Char character)
-    {
-        if constexpr (sizeof(Char) == 1)
-            return static_cast<unsigned char>(character);
-        else
-            return character;
     }
 
     std::basic_string_view<Char> text_;

@@ -172,7 +172,7 @@ void append_long(std::basic_string<Char>& out, const basic_format_view<Char>& fo
     active_items measured(format.items, arguments);
     while (const FormatItem* const item = measured.next())
         room += is_literal(*item) ? part(format, *item).size()
-                                  : details::exact_room(format.text, *item, arguments[item->argIndex]);
+                                  : details::exact_room<Char>(*item, arguments[item->argIndex]);
 
     Char* end = details::extend(out, room);
     active_items items(format.items, arguments);

@@ -72,6 +72,9 @@ INSTANTIATE_TEST_SUITE_P(widths, render_test,
                              {"padding_goes_outside_the_prefix", "{0b016w6f.ar}", {255}, "..0xFF"},
                              {"other_alignments_are_ignored", "{0azw3}|", {"a"}, "a  |"},
                              {"maximum_alone_keeps_the_minimum", "{0w5w,3}|", {"a"}, "a    |"},
+                             {"minimum_above_maximum_pads", "{0w8,3}|", {"abcdefg"}, "abcdefg |"},
+                             {"minimum_above_maximum_cuts", "{0w8,3}", {"abcdefghij"}, "abc"},
+                             {"minimum_above_maximum_cuts_right", "{0w8,3ar}", {"abcdefghij"}, "hij"},
                              {"later_values_win", "{0w5w2}|", {"a"}, "a |"},
                              {"numbers_wrap_in_their_field", "{0w65538}|", {"a"}, "a |"},
                              {"recorded_only", "{0np3ssa}", {"a"}, "a"},
@@ -124,8 +127,16 @@ TEST(format_test, cutting_with_a_mark)
 {
     EXPECT_EQ(fmtkit::format(u"{0w,3e}"_fmt, u"abcdef"), u"ab…");
     EXPECT_EQ(fmtkit::format(u"{0w,3ear}"_fmt, u"abcdef"), u"…ef");
+    EXPECT_EQ(fmtkit::format(u"{0w8,3ear}"_fmt, u"abcdefghij"), u"…ij");
     EXPECT_EQ(fmtkit::format(u"{0w,1e}"_fmt, u"abcdef"), u"…");
     EXPECT_EQ(fmtkit::format("{0w,3e}"_fmt, u"abcdef"), "ab…");
+}
+
+TEST(format_test, cutting_leaves_characters_whole)
+{
+    EXPECT_EQ(fmtkit::format("{0w,1}|{0w,2}|{0w,3}|{0w,4e}"_fmt, "äöü"), "|ä|ä|ä…");
+    EXPECT_EQ(fmtkit::format("{0w,1ar}|{0w,2ar}|{0w,3ar}|{0w,4ear}"_fmt, "äöü"), "|ü|ü|…ü");
+    EXPECT_EQ(fmtkit::format(u"{0w,2}|{0w,2ar}|{0w,3e}"_fmt, u"a😀b"), u"a|b|a…");
 }
 
 TEST(format_test, texts_are_converted_to_the_formats_encoding)

@@ -56,8 +56,8 @@ TEST(literal_test, texts)
     for (std::size_t size = 0; size < 300; ++size) {
         const std::u16string wide(size, u'ä');
         const std::string narrow(size, 'x');
-        expect_same_text<u"<{}>{}<{0w9}>{0w,9e}{1w,9ear}">(wide, narrow);
-        expect_same_text<"<{}>{}<{0w9}>{0w,9e}{1w,9ear}">(wide, narrow);
+        expect_same_text<u"<{}>{}<{0w9}>{0w,9e}{1w,9ear}{0w9,5}{1w9,5ar}">(wide, narrow);
+        expect_same_text<"<{}>{}<{0w9}>{0w,9e}{1w,9ear}{0w9,5}{1w9,5ar}">(wide, narrow);
     }
     expect_same_text<u"">();
     expect_same_text<u"{{a}}{0}{{{{">(u"text");

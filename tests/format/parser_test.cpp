@@ -39,6 +39,12 @@ INSTANTIATE_TEST_SUITE_P(format, malformed_test,
                          })),
                          support::name_of_row);
 
+TEST(parser_test, a_narrow_fill_of_several_bytes_is_refused)
+{
+    EXPECT_THROW(compile("{0w5fä}"), bad_extended_format_string);
+    EXPECT_THROW(compile("{0w5f\xC3}"), bad_extended_format_string);
+}
+
 /// The same text compiled in both ways.
 template <details::fixed_text Text>
 void expect_identical()
