@@ -31,24 +31,53 @@ std::size_t size_of_text(int returned)
     return returned > 0 ? static_cast<std::size_t>(returned) - 1 : 0;
 }
 
-/// \param picture  null for the user's own form
-std::size_t write_date(text_buffer out, const SYSTEMTIME& time, DWORD flags, const wchar_t* picture)
+/// What is known of the user's locale. A picture is a form of dates or times such as "dd.MM.yyyy".
+struct locale_texts {
+    wchar_t name[LOCALE_NAME_MAX_LENGTH]{};
+    // As long as LOCALE_SSHORTDATE, LOCALE_STIMEFORMAT and LOCALE_STHOUSAND can be, with the null.
+    wchar_t short_date[80]{};
+    wchar_t clock[80]{};
+    wchar_t thousands_separator[4]{};
+};
+
+template <int Size>
+void read_locale_text(wchar_t (&out)[Size], const wchar_t* name, LCTYPE type)
 {
-    return size_of_text(::GetDateFormatEx(LOCALE_NAME_USER_DEFAULT, flags, &time, picture, girder::as_wide(out.data()),
+    // What cannot be read stays empty.
+    ::GetLocaleInfoEx(name, type, out, Size);
+}
+
+/// Read on first use, then kept for the life of the process.
+const locale_texts& user_locale()
+{
+    static const locale_texts user = [] {
+        locale_texts read;
+        ::GetUserDefaultLocaleName(read.name, LOCALE_NAME_MAX_LENGTH);
+        read_locale_text(read.short_date, read.name, LOCALE_SSHORTDATE);
+        read_locale_text(read.clock, read.name, LOCALE_STIMEFORMAT);
+        read_locale_text(read.thousands_separator, read.name, LOCALE_STHOUSAND);
+        return read;
+    }();
+    return user;
+}
+
+std::size_t write_date(text_buffer out, const SYSTEMTIME& time, const wchar_t* picture)
+{
+    return size_of_text(::GetDateFormatEx(user_locale().name, 0, &time, picture, girder::as_wide(out.data()),
                                           static_cast<int>(out.size()), nullptr));
 }
 
 std::size_t write_time(text_buffer out, const SYSTEMTIME& time, const wchar_t* picture)
 {
-    return size_of_text(::GetTimeFormatEx(LOCALE_NAME_USER_DEFAULT, 0, &time, picture, girder::as_wide(out.data()),
+    return size_of_text(::GetTimeFormatEx(user_locale().name, 0, &time, picture, girder::as_wide(out.data()),
                                           static_cast<int>(out.size())));
 }
 
 std::size_t write_date_and_time(text_buffer out, const SYSTEMTIME& time)
 {
-    const std::size_t date = write_date(out, time, DATE_SHORTDATE, nullptr);
+    const std::size_t date = write_date(out, time, user_locale().short_date);
     char16_t clock[longest_system_text];
-    const std::size_t size = write_time(clock, time, nullptr);
+    const std::size_t size = write_time(clock, time, user_locale().clock);
     if (date + 1 + size > out.size())
         return date;
     out[date] = u' ';
@@ -68,21 +97,21 @@ std::size_t write_system_text(text_buffer out, char16_t conversion, const std::t
     const SYSTEMTIME time = system_time(local);
     switch (conversion) {
     case u'a':
-        return write_date(out, time, 0, L"ddd");
+        return write_date(out, time, L"ddd");
     case u'A':
-        return write_date(out, time, 0, L"dddd");
+        return write_date(out, time, L"dddd");
     case u'b':
     case u'h':
-        return write_date(out, time, 0, L"MMM");
+        return write_date(out, time, L"MMM");
     case u'B':
-        return write_date(out, time, 0, L"MMMM");
+        return write_date(out, time, L"MMMM");
     case u'p':
         return write_time(out, time, L"tt");
     case u'r':
     case u'X':
-        return write_time(out, time, nullptr);
+        return write_time(out, time, user_locale().clock);
     case u'x':
-        return write_date(out, time, DATE_SHORTDATE, nullptr);
+        return write_date(out, time, user_locale().short_date);
     case u'Z':
         return std::wcsftime(girder::as_wide(out.data()), out.size(), L"%Z", &local);
     default:
@@ -92,13 +121,7 @@ std::size_t write_system_text(text_buffer out, char16_t conversion, const std::t
 
 std::u16string_view thousands_separator()
 {
-    // LOCALE_STHOUSAND has at most three characters.
-    static const struct separator {
-        separator() : size(size_of_text(::GetLocaleInfoEx(LOCALE_NAME_USER_DEFAULT, LOCALE_STHOUSAND, units, 4))) {}
-        wchar_t units[4]{};
-        std::size_t size;
-    } user;
-    return girder::as_utf16({user.units, user.size});
+    return girder::as_utf16(user_locale().thousands_separator);
 }
 
 } // namespace fmtkit::details
