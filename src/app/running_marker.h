@@ -11,7 +11,8 @@ public:
     static constexpr const wchar_t* name = L"Global\\Zelmarkco_TIDELINK_SERVER__Running_Mutex";
 
     /// A failure to create the mutex is ignored.
-    /// \throws girder::system_error when its security descriptor cannot be built (E_OUTOFMEMORY when memory is short)
+    /// \throws girder::system_error when its security descriptor cannot be built (E_OUTOFMEMORY when there is no memory
+    /// for its block)
     running_marker();
 
 private:

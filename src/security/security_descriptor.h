@@ -23,6 +23,8 @@ public:
 
     /// A descriptor with this access list and nothing else. The list fills its memory exactly.
     static security_descriptor with_list(girder::unique_local_memory list);
+    /// The same with these allowing and denying entries.
+    static security_descriptor with_entries(const access_list& entries);
     /// A copy of a descriptor in either form, with every part that it has.
     static security_descriptor copy_of(PSECURITY_DESCRIPTOR original);
 
@@ -39,7 +41,7 @@ private:
     girder::unique_local_memory absolute_;
 };
 
-/// A copy in one piece of memory from LocalAlloc.
+/// A copy in one piece of memory from LocalAlloc. Throws E_OUTOFMEMORY when there is no memory for it.
 girder::unique_local_memory self_relative_copy(PSECURITY_DESCRIPTOR descriptor);
 
 /// The descriptor that an SDDL string describes.

@@ -63,7 +63,7 @@ unique_local_memory list_of(const access_list& entries)
     for (const access_entry& entry : entries) {
         const auto add = entry.kind == access_kind::allowed ? ::AddAccessAllowedAceEx : ::AddAccessDeniedAceEx;
         if (!add(list, ACL_REVISION, entry.flags, entry.mask, sid_of(entry)))
-            throw_if_failed(E_INVALIDARG, "AddAccessAllowedAceEx");
+            throw_if_failed(E_INVALIDARG, "adding to an access list");
     }
     return memory;
 }
@@ -115,13 +115,11 @@ access_list read_list(ACL* list)
 
 security_descriptor translated(const security_descriptor& source, access_list (*translate)(const access_list&))
 {
-    unique_local_memory list;
     try {
-        list = list_of(translate(entries_of(source).value_or(access_list())));
+        return security_descriptor::with_entries(translate(entries_of(source).value_or(access_list())));
     } catch (const std::bad_alloc&) {
-        throw_if_failed(E_OUTOFMEMORY, "building an access list");
+        throw girder::system_error(static_cast<std::uint32_t>(E_OUTOFMEMORY), "building an access list");
     }
-    return security_descriptor::with_list(std::move(list));
 }
 
 } // namespace
@@ -136,6 +134,11 @@ security_descriptor security_descriptor::with_list(unique_local_memory list)
     if (!::SetSecurityDescriptorDacl(made.get(), TRUE, static_cast<ACL*>(made.access_list_.get()), FALSE))
         throw_last_error("SetSecurityDescriptorDacl");
     return made;
+}
+
+security_descriptor security_descriptor::with_entries(const access_list& entries)
+{
+    return with_list(list_of(entries));
 }
 
 security_descriptor security_descriptor::copy_of(PSECURITY_DESCRIPTOR original)
@@ -168,7 +171,7 @@ security_descriptor security_descriptor::copy_of(PSECURITY_DESCRIPTOR original)
 unique_local_memory self_relative_copy(PSECURITY_DESCRIPTOR descriptor)
 {
     DWORD size = ::GetSecurityDescriptorLength(descriptor);
-    unique_local_memory copy = allocate(size, E_FAIL);
+    unique_local_memory copy = allocate(size, E_OUTOFMEMORY);
     // MakeSelfRelativeSD refuses what is self-relative already.
     if (is_self_relative(descriptor))
         std::memcpy(copy.get(), descriptor, size);
