@@ -54,7 +54,7 @@ TEST_F(access_test, ok_in_the_systems_editor_is_a_change_and_apply_stores_the_no
     const utility program;
     EXPECT_EQ(words(program), "1 account or group");
     edit(program);
-    EXPECT_TRUE(program.apply_enabled());
+    EXPECT_TRUE(ui_driver::eventually([&] { return program.apply_enabled(); }));
     EXPECT_THAT(settings_key::read(), testing::Contains(Pair(u"securityDescriptor", text(u"D:(A;;0xc0100000;;;BA)"))))
         << "not before Apply";
     program.control(id::apply).click();
@@ -69,7 +69,7 @@ TEST_F(access_test, the_default_list_edited_without_a_change_is_not_stored)
     const utility program;
     EXPECT_EQ(words(program), "Everyone");
     edit(program);
-    EXPECT_TRUE(program.apply_enabled());
+    EXPECT_TRUE(ui_driver::eventually([&] { return program.apply_enabled(); }));
     program.control(id::apply).click();
     EXPECT_THAT(settings_key::read(), ElementsAre(Pair(u"sharedPorts", ports({1, 3, 7, 10}))));
 }
@@ -91,9 +91,9 @@ TEST_F(access_test, an_unreadable_list_is_reported_kept_and_replaced_when_that_i
     utility::answer(program.message(error_title), id::ok);
     utility::answer(program.message(security_title), id::yes);
     utility::answer(open_editor(program), id::ok);
-    EXPECT_TRUE(program.apply_enabled());
-    EXPECT_EQ(words(program), "Everyone");
+    EXPECT_TRUE(ui_driver::eventually([&] { return program.apply_enabled(); }));
     program.control(id::apply).click();
+    EXPECT_EQ(words(program), "Everyone");
     EXPECT_THAT(settings_key::read(), testing::Not(testing::Contains(testing::Key(u"securityDescriptor"))))
         << "the default is not stored";
 }

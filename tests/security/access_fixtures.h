@@ -10,7 +10,7 @@
 #include <vector>
 
 // Access lists in a short notation, one entry after the other: "+" allows, "-" denies, "?9" is another kind by its
-// number; then who, ":" and the rights, and where there are any "/" and the flags, both in hexadecimal. "SU", "WD",
+// number; then who, ":" and the rights unless they are c0100000, "/" and the flags where there are any. "SU", "WD",
 // "BA" and "BU" are the system's own short names; "u7" is the account S-1-5-21-1-2-3-7.
 
 namespace support {
@@ -24,7 +24,6 @@ std::string notation_of(const tidelink::access_list& list);
 /// A stored list with everything that has to become of it.
 struct access_fixture {
     const char* name;
-    std::u16string sddl;               ///< empty for what cannot be written as a string
     std::optional<std::string> stored; ///< empty: no list
     std::string editor;                ///< what the editor shows
     std::string saved;                 ///< what is stored when the editor's form is saved unchanged

@@ -50,13 +50,12 @@ TEST_P(edited_list_test, is_stored)
 
 INSTANTIATE_TEST_SUITE_P(lists, edited_list_test,
                          testing::ValuesIn(std::to_array<edited_case>({
-                             {"entries_without_the_right_are_dropped", "+BA:2 -BU:fffffffe +u1:3",
-                              "+SU:c0100004 +u1:c0100000"},
+                             {"entries_without_the_right_are_dropped", "+BA:2 -BU:fffffffe +u1:3", "+SU:c0100004 +u1"},
                              {"only_entries_without_the_right", "+WD:0", "+SU:c0100004 -WD:c0000000"},
                              {"other_kinds_are_dropped", "?9:1 ?5:1", "+SU:c0100004 -WD:c0000000"},
                              {"the_order_is_kept_as_given", "+BA:1 -BU:1 +WD:1/10 -BA:1",
-                              "+SU:c0100004 +BA:c0100000 -BU:c0100000 +WD:c0100000/10 -BA:c0100000"},
-                             {"the_service_can_be_denied_behind_its_own_entry", "-SU:1", "+SU:c0100004 -SU:c0100000"},
+                              "+SU:c0100004 +BA -BU +WD/10 -BA"},
+                             {"the_service_can_be_denied_behind_its_own_entry", "-SU:1", "+SU:c0100004 -SU"},
                          })),
                          support::name_of_row);
 
