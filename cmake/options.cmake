@@ -6,10 +6,14 @@ if(CCACHE)
     set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
 endif()
 
+# A compiler cache may rewrite the paths that it is given, relative to the build folder.
+file(RELATIVE_PATH relative_source_dir ${CMAKE_BINARY_DIR} ${CMAKE_SOURCE_DIR})
+
 add_library(project_options INTERFACE)
 target_compile_options(project_options INTERFACE
     $<$<COMPILE_LANGUAGE:C,CXX>:-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror>
     $<$<COMPILE_LANGUAGE:C,CXX>:-ffile-prefix-map=${CMAKE_SOURCE_DIR}/=>
+    $<$<COMPILE_LANGUAGE:C,CXX>:-ffile-prefix-map=${relative_source_dir}=>
     # Symmetric transfer between coroutines must be a real tail call in every build.
     $<$<COMPILE_LANGUAGE:CXX>:-foptimize-sibling-calls>)
 
@@ -19,6 +23,12 @@ if(WIN32)
     target_compile_options(project_options INTERFACE
         $<$<COMPILE_LANGUAGE:C,CXX>:-ffunction-sections -fdata-sections>)
     target_link_options(project_options INTERFACE -Wl,--gc-sections)
+endif()
+
+# For all of the program but what it does in large numbers.
+add_library(small_code INTERFACE)
+if(WIN32)
+    target_compile_options(small_code INTERFACE $<$<COMPILE_LANGUAGE:C,CXX>:-Os>)
 endif()
 
 # Applies to third-party code too: mixed instrumentation gives false reports.

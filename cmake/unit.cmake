@@ -22,6 +22,7 @@ function(use_units target)
 endfunction()
 
 # add_unit(<name>
+#     [FAST]                 optimised for speed, where other units are for size
 #     [HEADERS ...]          headers that need no operating system
 #     [SOURCES ...]          their sources
 #     [WINDOWS_HEADERS ...]  headers that include <windows.h> or make sense on Windows only
@@ -32,7 +33,7 @@ endfunction()
 #
 # Every header is also compiled alone.
 function(add_unit name)
-    cmake_parse_arguments(UNIT "" "" "HEADERS;SOURCES;WINDOWS_HEADERS;WINDOWS_SOURCES;POSIX_SOURCES;DEPENDS;LIBRARIES"
+    cmake_parse_arguments(UNIT "FAST" "" "HEADERS;SOURCES;WINDOWS_HEADERS;WINDOWS_SOURCES;POSIX_SOURCES;DEPENDS;LIBRARIES"
         ${ARGN})
     set(headers ${UNIT_HEADERS})
     set(sources ${UNIT_SOURCES})
@@ -55,6 +56,9 @@ function(add_unit name)
     target_include_directories(${name} PRIVATE ${path})
     use_units(${name} ${UNIT_DEPENDS})
     target_link_libraries(${name} PUBLIC ${UNIT_LIBRARIES} PRIVATE project_options)
+    if(NOT UNIT_FAST)
+        target_link_libraries(${name} PRIVATE small_code)
+    endif()
 endfunction()
 
 # add_unit_test(<unit> SOURCES ... [WINDOWS_SOURCES ...] [DEPENDS ...] [LIBRARIES ...])
