@@ -2,23 +2,26 @@
 #
 # The target string_ids gives `#include "string_ids.h"`; STRING_PACK_FOLDER is where the compiled files are.
 
+# The system's own interpreter, for which the library of PO files is packaged.
+set(Python3_EXECUTABLE /usr/bin/python3)
 find_package(Python3 3.11 REQUIRED COMPONENTS Interpreter)
 
-set(lpack_modules header.py name_hash.py placeholders.py problem.py source.py string_pack.py)
+set(LPACK_MODULES catalogue.py checks.py corrections.py header.py name_hash.py pack_file.py placeholders.py problem.py pseudo.py
+    source.py string_pack.py)
 set(STRING_PACK_FOLDER ${CMAKE_BINARY_DIR}/generated/strings)
 set(STRING_PACK_FILES ${STRING_PACK_FOLDER}/common.bin ${STRING_PACK_FOLDER}/program.bin)
 set(LPACK ${CMAKE_SOURCE_DIR}/tools/lpack/lpack)
 
-list(TRANSFORM lpack_modules PREPEND ${CMAKE_SOURCE_DIR}/tools/lpack/)
-set(english ${CMAKE_SOURCE_DIR}/resources/strings/english.toml)
+list(TRANSFORM LPACK_MODULES PREPEND ${CMAKE_SOURCE_DIR}/tools/lpack/)
+set(ENGLISH_TEXTS ${CMAKE_SOURCE_DIR}/resources/strings/english.toml)
 set(string_headers ${STRING_PACK_FOLDER}/string_ids.h ${STRING_PACK_FOLDER}/string_keys.inc)
 set(stamp ${STRING_PACK_FOLDER}/compiled)
 add_custom_command(
     OUTPUT ${stamp}
     BYPRODUCTS ${STRING_PACK_FILES} ${string_headers}
-    COMMAND Python3::Interpreter ${LPACK} compile-builtin ${english} --out ${STRING_PACK_FOLDER}
+    COMMAND Python3::Interpreter ${LPACK} compile-builtin ${ENGLISH_TEXTS} --out ${STRING_PACK_FOLDER}
     COMMAND ${CMAKE_COMMAND} -E touch ${stamp}
-    DEPENDS ${english} ${LPACK} ${lpack_modules}
+    DEPENDS ${ENGLISH_TEXTS} ${LPACK} ${LPACK_MODULES}
     COMMENT "Compiling the English texts"
     VERBATIM)
 add_custom_target(string_packs DEPENDS ${stamp})

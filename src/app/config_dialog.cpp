@@ -6,11 +6,13 @@
 #include "app/message_texts.h"
 #include "app/messages.h"
 #include "base/debug_log.h"
+#include "base/program.h"
 #include "base/utf.h"
 #include "base/win32_error.h"
 #include "format/compile.h"
 #include "format/format.h"
 #include "format/literals.h"
+#include "localisation/language_packs.h"
 #include "localisation/string_tables.h"
 #include "ports/serial_ports.h"
 #include "resource.h"
@@ -28,7 +30,6 @@ namespace {
 using namespace fmtkit::literals;
 using namespace girder::ui;
 
-constexpr std::u16string_view built_in_language = u"en";
 constexpr std::u16string_view built_in_language_name = u"English";
 
 struct share_button {
@@ -99,7 +100,7 @@ ConfigDialog::ConfigDialog(girder::ui_thread& thread, restart_request& restart, 
     for (const LoadFailure& failure : failures_)
         girder::log_failure({.code = failure.code, .message = failure.text, .context = girder::to_utf8(failure.name)});
     set_command_message(messages().process_command);
-    tidelink::initialise();
+    model_.adopt_language(tidelink::initialise(folder_of(girder::program_path()), model_.settings().language));
 }
 
 void ConfigDialog::create()
@@ -144,6 +145,12 @@ void ConfigDialog::fill_languages()
     languages_.emplace_back(built_in_language);
     add_combo_entry(combo, built_in_language_name, 0);
     select_combo_entry(combo, 0);
+    for (const LanguagePackInfo& pack : language_packs()) {
+        add_combo_entry(combo, pack.name, languages_.size());
+        languages_.push_back(pack.locale);
+    }
+    if (const LanguagePackInfo* const current = find_pack(language_packs(), model_.settings().language))
+        select_combo_entry(combo, static_cast<int>(current - language_packs().data()) + 1);
 }
 
 void ConfigDialog::fill_ports()

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tidelink {
@@ -53,6 +54,9 @@ public:
     bool dirty() const noexcept { return dirty_; }
     void touch() noexcept { dirty_ = true; }
     void clear_dirty() noexcept { dirty_ = false; }
+
+    /// Takes over the language that is shown, which was chosen where none is stored. That alone is nothing to apply.
+    void adopt_language(std::u16string language) { settings_.language = std::move(language); }
 
     /// Makes `language` the one to store. \return false when it is the current one: nothing has changed
     bool choose_language(std::u16string_view language);

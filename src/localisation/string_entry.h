@@ -37,12 +37,29 @@ public:
     /// then without that promise.
     std::u16string_view text() const noexcept { return view(stored_ + text_at, length_); }
 
+    bool is_list() const noexcept { return is_list(stored_); }
+
     /// The item of a list at `index`: when several were stored for the index, the last one. Empty where there is none,
     /// and for a single text. Followed by a null unit. Takes time in proportion to the number of items.
     std::u16string_view item(std::uint32_t index) const noexcept;
 
+    /// Calls `visit(index, text)` for each stored item of a list, in stored order; for a single text never.
+    template <typename Visit>
+    void for_each_item(Visit visit) const
+    {
+        if (!is_list(stored_))
+            return;
+        const std::byte* item = stored_ + items_at;
+        for (auto left = load_number<std::uint32_t>(stored_ + item_count_at); left > 0; --left) {
+            const std::size_t length = load_number<std::uint16_t>(item + item_length_at);
+            visit(load_number<std::uint32_t>(item), view(item + item_text_at, length));
+            item += item_text_at + (length + 1) * sizeof(char16_t);
+        }
+    }
+
     /// Bytes that the stored entry takes which begins at `stored`, of which `available` bytes may be read. 0 when it is
-    /// malformed: a length or count leads further, or a text is not followed by its null.
+    /// malformed: a length or count leads further, a text is not followed by its null, or an item's index is 65,536 or
+    /// more.
     static std::size_t stored_size(const std::byte* stored, std::size_t available) noexcept
     {
         if (available < min_stored_size)
@@ -63,6 +80,9 @@ private:
     static constexpr std::size_t text_at = 10;
     static constexpr std::size_t item_count_at = 8;
     static constexpr std::size_t items_at = 12;
+    // An item of a list: its index, the length of its text, the units.
+    static constexpr std::size_t item_length_at = 4;
+    static constexpr std::size_t item_text_at = 6;
 
     /// The one place where stored bytes become a text.
     static std::u16string_view view(const std::byte* units, std::size_t length) noexcept

@@ -1,5 +1,7 @@
 #include "localisation/string_layer.h"
 
+#include "localisation/placeholders.h"
+
 #include <array>
 
 namespace tidelink {
@@ -48,11 +50,11 @@ bool skip_extra(std::span<const std::byte>& rest) noexcept
     return true;
 }
 
-/// Whether an entry belongs to another revision of a text than the layers beneath have.
-bool is_stale(const StringEntry& entry, const StringLayer& beneath) noexcept
+/// Whether an entry of a translation, or of a built-in pack, may stand for the one beneath it.
+bool may_replace(const StringEntry& entry, const StringEntry& replaced, pack_form form)
 {
-    const StringEntry* const replaced = beneath.find(entry.id());
-    return replaced != nullptr && replaced->revision() != entry.revision();
+    return replaced.revision() == entry.revision() &&
+           (form == pack_form::with_signature || placeholders_fit(entry, replaced));
 }
 
 } // namespace
@@ -80,7 +82,8 @@ std::optional<StringLayer> StringLayer::read(std::span<const std::byte> pack, pa
         if (size == 0)
             return std::nullopt;
         const StringEntry entry(stored);
-        if (beneath == nullptr || !is_stale(entry, *beneath))
+        const StringEntry* const replaced = beneath != nullptr ? beneath->find(entry.id()) : nullptr;
+        if (replaced == nullptr || may_replace(entry, *replaced, form))
             layer->entries_.insert(entry);
         stored += size;
     }

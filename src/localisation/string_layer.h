@@ -21,13 +21,14 @@ enum class pack_form { bare, with_signature };
 class StringLayer {
 public:
     /// Reads a pack. Of several entries for an id the first one counts. An entry is dropped as stale when the layer
-    /// beneath has its id with another revision.
+    /// beneath has its id with another revision, and one of a pack file also when its placeholders do not fit (see
+    /// placeholders_fit).
     ///
     /// \param pack     begins with the pack; what follows the pack is ignored
     /// \param beneath  may be null
     /// \return nothing when the signature is not the right one or the pack is malformed: a length or count leads out of
-    ///         `pack`, or a text is not followed by its null. Nothing outside `pack` is read, and the memory taken is
-    ///         in proportion to its size.
+    ///         `pack`, a text is not followed by its null, or an item has an index of 65,536 or more. Nothing outside
+    ///         `pack` is read, and the memory taken is in proportion to its size.
     static std::optional<StringLayer> read(std::span<const std::byte> pack, pack_form form, const StringLayer* beneath);
 
     /// The C runtime's name of the pack's locale, such as "ENU"; in the pack's memory, followed by a null.

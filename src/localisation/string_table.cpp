@@ -10,6 +10,7 @@ StringTable StringTable::above(const StringTable& lower)
 {
     StringTable table;
     table.top_ = lower.top_;
+    table.corrections_mode_ = lower.corrections_mode_;
     return table;
 }
 
@@ -22,13 +23,22 @@ bool StringTable::layer(std::span<const std::byte> pack, pack_form form)
     return top_ != nullptr;
 }
 
-void StringTable::load(std::span<const std::byte> built_in, std::span<const std::byte> translation)
+bool StringTable::load(std::span<const std::byte> built_in, std::span<const std::byte> translation)
 {
     const std::shared_ptr<const StringLayer> before = top_;
     const bool goes_on = layer(built_in, pack_form::with_signature);
     loaded_ = top_ != before;
-    if (goes_on)
-        layer(translation, pack_form::bare);
+    if (!goes_on || translation.data() == nullptr)
+        return true;
+    const std::shared_ptr<const StringLayer> english = top_;
+    layer(translation, pack_form::bare);
+    return top_ != english;
+}
+
+void StringTable::correct(std::u16string_view key, std::u16string_view text)
+{
+    if (corrections_mode_)
+        corrections_.insert_or_assign(std::u16string(key), std::u16string(text));
 }
 
 void StringTable::throw_not_found()

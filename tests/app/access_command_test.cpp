@@ -81,7 +81,7 @@ class access_words_test : public testing::TestWithParam<words_case> {};
 
 TEST_P(access_words_test, say_who_can_connect)
 {
-    tidelink::initialise();
+    tidelink::initialise(u"", u"en");
     EXPECT_EQ(girder::to_utf8(access_words(GetParam().sddl)), GetParam().words);
 }
 

@@ -3,5 +3,5 @@
 
 void support::load_built_in_packs()
 {
-    tidelink::initialise();
+    tidelink::initialise(u"", u"en");
 }

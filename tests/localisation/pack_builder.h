@@ -29,11 +29,22 @@ inline void append_text(pack_bytes& bytes, std::u16string_view text)
     append(bytes, char16_t{0});
 }
 
+inline void append_bytes(pack_bytes& bytes, std::initializer_list<int> values)
+{
+    for (const int value : values)
+        bytes.push_back(static_cast<std::byte>(value));
+}
+
 inline void append_signature(pack_bytes& bytes)
 {
-    for (const int value :
-         {0x79, 0x2B, 0x13, 0xEF, 0xBB, 0x4F, 0xF7, 0x43, 0x84, 0x1A, 0x26, 0x0C, 0x00, 0xFF, 0x99, 0x29})
-        bytes.push_back(static_cast<std::byte>(value));
+    append_bytes(bytes,
+                 {0x79, 0x2B, 0x13, 0xEF, 0xBB, 0x4F, 0xF7, 0x43, 0x84, 0x1A, 0x26, 0x0C, 0x00, 0xFF, 0x99, 0x29});
+}
+
+inline void append_language_pack_signature(pack_bytes& bytes)
+{
+    append_bytes(bytes,
+                 {0x91, 0x58, 0x27, 0xFD, 0x72, 0xA1, 0xC1, 0x4C, 0x8A, 0xBA, 0x56, 0x4E, 0xFC, 0x98, 0xDD, 0x21});
 }
 
 /// Puts a string pack together, entry by entry.

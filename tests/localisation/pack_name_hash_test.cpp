@@ -27,7 +27,9 @@ static_assert(module_name_hash(u"folder/a.exe") == PackNameHash(u"folder/a.exe")
 
 // The compiler of the texts hashes as the program does.
 #define STRING_KEY(name, key) static_assert(string_id::name == PackNameHash(key));
+#define STRING_WITH_OWN_ID(name, key)
 #include "string_keys.inc"
+#undef STRING_WITH_OWN_ID
 #undef STRING_KEY
 
 static_assert(string_id::update_offer == 0x7D3C765F);

@@ -1,3 +1,5 @@
+#include "built_in_packs.h"
+#include "localisation/string_keys.h"
 #include "localisation/string_tables.h"
 #include "pack_builder.h"
 
@@ -41,9 +43,65 @@ TEST_F(string_tables_test, serve_the_program_table)
     EXPECT_THAT([] { text(string_id::apply); }, testing::ThrowsMessage<std::runtime_error>("string not found"));
     EXPECT_EQ(common_strings().find_or_null(string_id::settings), nullptr);
 
+    build_string_tables({common, program, common_german, {}});
+    EXPECT_EQ(text(string_id::ok), u"Gut") << "a pack may have the common module alone";
+    EXPECT_EQ(text(string_id::settings), u"Settings");
+
     build_string_tables({});
     EXPECT_FALSE(common_strings().loaded());
     EXPECT_THAT([] { text(string_id::ok); }, testing::ThrowsMessage<std::runtime_error>("string not found"));
+}
+
+TEST_F(string_tables_test, a_pack_with_one_malformed_module_is_not_used_at_all)
+{
+    const pack_bytes common = pack_builder().text(string_id::ok, 0, u"OK").with_signature();
+    const pack_bytes program = pack_builder().text(string_id::settings, 0, u"Settings").with_signature();
+    const pack_bytes common_german = pack_builder().text(string_id::ok, 0, u"Gut").bare();
+    const pack_bytes program_german = pack_builder().text(string_id::settings, 0, u"Einstellungen").bare();
+    const auto cut = [](pack_bytes module) {
+        module.pop_back();
+        return module;
+    };
+    const pack_bytes common_cut = cut(common_german);
+    const pack_bytes program_cut = cut(program_german);
+    for (const string_packs& packs :
+         {string_packs{common, program, common_cut, program_german}, {common, program, common_german, program_cut}}) {
+        build_string_tables(packs);
+        EXPECT_EQ(text(string_id::ok), u"OK");
+        EXPECT_EQ(text(string_id::settings), u"Settings");
+    }
+}
+
+TEST_F(string_tables_test, keep_corrections_by_module_and_key)
+{
+    support::load_built_in_packs();
+    correct_string(string_id::ok, u"not kept");
+    set_corrections_mode(true);
+    correct_string(string_id::security, u"Safety");
+    correct_string(string_id::update_offer, u"Get it");
+    correct_string(string_id::stop, u"&Halt");
+    EXPECT_EQ(common_strings().corrections(), (Corrections{{u"Stop", u"&Halt"}}));
+    EXPECT_EQ(program_strings().corrections(),
+              (Corrections{{u"Security...", u"Safety"}, {u"Update offer", u"Get it"}}));
+    EXPECT_EQ(text(string_id::stop), u"S&top");
+    EXPECT_EQ(key_of(1), u"");
+}
+
+TEST_F(string_tables_test, built_in_packs_hold_every_constant_at_an_even_address)
+{
+    support::load_built_in_packs();
+    EXPECT_TRUE(common_strings().loaded());
+    EXPECT_TRUE(program_strings().loaded());
+    for (const std::uint32_t id : string_slot::ids) {
+        const StringEntry* const entry = program_strings().find_or_null(id);
+        ASSERT_NE(entry, nullptr) << std::hex << id;
+        const std::u16string_view text = entry->is_list() ? entry->item(0) : entry->text();
+        EXPECT_FALSE(text.empty()) << std::hex << id;
+        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(text.data()) % sizeof(char16_t), 0U) << std::hex << id;
+        EXPECT_EQ(text.data()[text.size()], u'\0') << std::hex << id;
+    }
+    EXPECT_EQ(program_strings().find(string_id::about_text).revision(), 2U);
+    EXPECT_EQ(common_strings().find_or_null(string_id::settings), nullptr);
 }
 
 } // namespace

@@ -51,8 +51,11 @@ def ids(entries: list[Entry]) -> str:
 
 
 def keys(entries: list[Entry]) -> str:
-    """STRING_KEY(name, key) for each id that follows from its key, for a check against the program's own hash."""
-    return "".join(f"STRING_KEY({entry.name}, {_literal(entry.key)})\n" for entry in entries if entry.id_follows_key)
+    """STRING_KEY(name, key) for each id that follows from its key, STRING_WITH_OWN_ID(name, key) for the others."""
+    return "".join(
+        f"{'STRING_KEY' if entry.id_follows_key else 'STRING_WITH_OWN_ID'}({entry.name}, {_literal(entry.key)})\n"
+        for entry in entries
+    )
 
 
 def _first_line(entry: Entry) -> str:

@@ -5,7 +5,7 @@ import re
 from problem import Problem
 
 # Each choice is final, as it is in the language's reader, which never goes back.
-_PLACEHOLDER = re.compile(
+PLACEHOLDER = re.compile(
     r"""\{
     [0-9]*+                                       # argument
     (?>
@@ -24,15 +24,18 @@ _PLACEHOLDER = re.compile(
 )
 
 
-def check(text: str) -> None:
-    """Raises Problem when the format language would refuse the text."""
+def found_in(text: str) -> list[str]:
+    """The placeholders in their order. Raises Problem when the format language would refuse the text."""
+    found = []
     position = text.find("{")
     while position >= 0:
         if text.startswith("{{", position):
             position += 2
         else:
-            placeholder = _PLACEHOLDER.match(text, position)
+            placeholder = PLACEHOLDER.match(text, position)
             if placeholder is None:
                 raise Problem(f"malformed placeholder at '{text[position:position + 20]}'")
+            found.append(placeholder[0])
             position = placeholder.end()
         position = text.find("{", position)
+    return found

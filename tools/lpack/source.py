@@ -40,7 +40,14 @@ class Entry:
     comment: str
 
 
-def read(path: Path) -> list[Entry]:
+@dataclass(frozen=True)
+class Source:
+    entries: list[Entry]
+    # By dialog the names of the texts that are seen together: for each control those that it may have.
+    dialogs: dict[str, list[list[str]]]
+
+
+def read(path: Path) -> Source:
     """The entries in their order. Raises Problem, whose text begins with the file and, where known, the line."""
     source = path.read_text(encoding="utf-8")
     try:
@@ -48,7 +55,7 @@ def read(path: Path) -> list[Entry]:
     except tomllib.TOMLDecodeError as error:
         raise Problem(f"{path}: {error}") from None
 
-    unknown = sorted(document.keys() - {"values", "string"})
+    unknown = sorted(document.keys() - {"values", "dialogs", "string"})
     if unknown:
         raise Problem(f"{path}: unknown table '{unknown[0]}'")
     tables = document.get("string", [])
@@ -63,7 +70,21 @@ def read(path: Path) -> list[Entry]:
             raise Problem(f"{place}: {problem}") from None
         places.append(place)
     _check_unique(entries, places)
-    return entries
+    try:
+        dialogs = _dialogs(document.get("dialogs", {}), {entry.name for entry in entries if not entry.is_list})
+    except Problem as problem:
+        raise Problem(f"{path}: {problem}") from None
+    return Source(entries, dialogs)
+
+
+def _dialogs(tables: dict, names: set[str]) -> dict[str, list[list[str]]]:
+    dialogs = {}
+    for dialog, controls in tables.items():
+        dialogs[dialog] = [control if isinstance(control, list) else [control] for control in controls]
+        for name in (name for control in dialogs[dialog] for name in control):
+            if name not in names:
+                raise Problem(f"dialog '{dialog}': there is no text '{name}'")
+    return dialogs
 
 
 def _lines_of_tables(source: str, count: int) -> list[int]:
@@ -121,7 +142,7 @@ def _text(text: str, values: dict) -> str:
         raise Problem(f"the text is longer than {MAX_TEXT_UNITS} UTF-16 code units")
     if "\0" in text:
         raise Problem("the text contains a null character")
-    placeholders.check(text)
+    placeholders.found_in(text)
     return text
 
 

@@ -1,0 +1,52 @@
+#include "localisation/corrections.h"
+
+#include <gtest/gtest.h>
+
+#include <ctime>
+
+namespace tidelink {
+namespace {
+
+TEST(corrections_test, are_exported_in_exactly_these_bytes)
+{
+    StringTable table;
+    table.correct(u"Not kept", u"The mode is off.");
+    table.set_corrections_mode(true);
+    table.correct(u"Stop", u"&Halt");
+    table.correct(u"Stop", u"\"&Halt\"");
+    table.correct(u"A&B\"C", u"1\r\n2\t3 <b> \\n \u00E9\U0001F600");
+
+    EXPECT_EQ(corrections_header.size(), 55U);
+    const std::string file = std::string(corrections_header) +
+                             corrections_module(u"folder\\tl_server_config.exe", table.corrections()) +
+                             std::string(corrections_trailer);
+    EXPECT_EQ(file,
+              "<?xml version=\"1.0\" encoding=\"utf-8\"?>\r\n"
+              "<Corrections>\r\n"
+              "  <Module name=\"tl_server_config.exe\">\r\n"
+              "    <String id=\"A&amp;B&amp;quot;C\" value=\"1\\r\\n2\\t3 <b> \\n \xC3\xA9\xF0\x9F\x98\x80\"/>\r\n"
+              "    <String id=\"Stop\" value=\"&amp;quot;&amp;Halt&amp;quot;\"/>\r\n"
+              "  </Module>\r\n"
+              "</Corrections>\r\n");
+}
+
+TEST(corrections_test, file_is_named_after_the_module_and_the_local_time)
+{
+    constexpr std::time_t moment = 1'750'861'805;
+    char local_time[16];
+    ASSERT_EQ(std::strftime(local_time, sizeof local_time, "%Y%m%d-%H%M%S", std::localtime(&moment)), 15U);
+    const std::u16string expected = u"common." + std::u16string(local_time, local_time + 15) + u".xml";
+    const girder::file_time now{girder::unix_epoch_ticks + moment * girder::ticks_per_second};
+    EXPECT_EQ(corrections_file_name(u"folder\\common", now), expected);
+}
+
+TEST(corrections_test, table_above_another_is_in_the_same_mode)
+{
+    StringTable common;
+    common.set_corrections_mode(true);
+    EXPECT_TRUE(StringTable::above(common).corrections_mode());
+    EXPECT_FALSE(StringTable::above(StringTable()).corrections_mode());
+}
+
+} // namespace
+} // namespace tidelink
