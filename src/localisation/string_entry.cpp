@@ -11,11 +11,11 @@ constexpr std::uint32_t index_limit = 65'536;
 
 } // namespace
 
-std::u16string_view StringEntry::item(std::uint32_t wanted) const noexcept
+std::u16string_view StringEntry::item(std::uint32_t index) const noexcept
 {
     auto found = std::u16string_view(u"");
-    for_each_item([&](std::uint32_t index, std::u16string_view text) {
-        if (index == wanted)
+    for_each_item([&](std::uint32_t stored_index, std::u16string_view text) {
+        if (stored_index == index)
             found = text;
     });
     return found;
