@@ -4,6 +4,7 @@
 // from outside rely on them.
 
 #define IDD_CONFIG 129
+#define IDD_WAIT 130
 
 #define IDC_APPLY 3
 #define IDC_STATUS 1001
@@ -19,3 +20,6 @@
 #define IDC_SETTINGS_FRAME 1015
 #define IDC_LANGUAGE 1016
 #define IDC_ACCESS_WORDS 1023
+
+#define IDC_WAIT_PROGRESS 109
+#define IDC_WAIT_TEXT 110

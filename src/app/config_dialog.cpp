@@ -61,7 +61,7 @@ constexpr control_text control_texts[] = {
 };
 
 /// Present in the window, and without a command behind them yet.
-constexpr int unavailable_controls[] = {IDC_START, IDC_STOP, IDC_ABOUT};
+constexpr int unavailable_controls[] = {IDC_ABOUT};
 
 /// The first items with a comma between them; an ellipsis stands for those that a message has no room for.
 template <typename Item, typename ToText>
@@ -87,6 +87,8 @@ constexpr command_route<ConfigDialog> ConfigDialog::commands[] = {
     {IDC_SHARE_SELECTED, BN_CLICKED, &ConfigDialog::on_share_mode_selected},
     {IDC_AUTO_DISCOVERY, BN_CLICKED, &ConfigDialog::on_changed},
     {IDC_SECURITY, BN_CLICKED, &ConfigDialog::on_security},
+    {IDC_START, BN_CLICKED, &ConfigDialog::on_start},
+    {IDC_STOP, BN_CLICKED, &ConfigDialog::on_stop},
     {IDC_LANGUAGE, CBN_SELCHANGE, &ConfigDialog::on_language_selected},
 };
 
@@ -120,7 +122,7 @@ bool ConfigDialog::on_initialise()
     show_who_can_connect();
     model_.clear_dirty();
     show_dirty();
-    show_service_state();
+    service_.RefreshServiceStatus();
     enable_list_by_share_mode();
     lay_out(::GetDpiForWindow(window()));
     if (!failures_.empty())
@@ -157,12 +159,6 @@ void ConfigDialog::fill_ports()
 {
     for (const port_row& row : model_.rows_of(EnumerateSerialPorts()))
         check_list::append(control(IDC_PORTS), row.text, row.number, row.checked);
-}
-
-void ConfigDialog::show_service_state()
-{
-    constexpr std::uint32_t unknown = 4;
-    set_window_text(control(IDC_STATUS), item(string_id::service_status, unknown));
 }
 
 box ConfigDialog::layout(const control_measure& measure) const
@@ -217,9 +213,17 @@ bool ConfigDialog::on_notify(const NMHDR& notification, LRESULT&)
     return false;
 }
 
-bool ConfigDialog::on_message(UINT message, WPARAM, LPARAM, LRESULT&)
+bool ConfigDialog::on_message(UINT message, WPARAM wparam, LPARAM, LRESULT&)
 {
     switch (message) {
+    case WM_ACTIVATE:
+        if (LOWORD(wparam) != WA_INACTIVE)
+            service_.refresh_unless_pending();
+        return false;
+    case WM_ENDSESSION:
+        if (wparam)
+            on_cancel();
+        return true;
     case WM_CLOSE:
         on_cancel();
         return true;
@@ -255,6 +259,16 @@ void ConfigDialog::on_cancel()
 void ConfigDialog::on_apply()
 {
     ApplySettings();
+}
+
+void ConfigDialog::on_start()
+{
+    service_.StartServerService();
+}
+
+void ConfigDialog::on_stop()
+{
+    service_.StopServerService();
 }
 
 void ConfigDialog::on_share_mode_selected()

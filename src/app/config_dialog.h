@@ -2,6 +2,7 @@
 
 #include "app/config_model.h"
 #include "app/restart_request.h"
+#include "app/service_commands.h"
 #include "async/ui_thread.h"
 #include "security/edit_security.h"
 #include "settings/settings_store.h"
@@ -52,7 +53,6 @@ private:
     void set_texts();
     void fill_languages();
     void fill_ports();
-    void show_service_state();
     void show_load_failures_later() noexcept;
     void show_load_failures() noexcept;
 
@@ -63,6 +63,8 @@ private:
     void on_changed();
     void on_security();
     void on_language_selected();
+    void on_start();
+    void on_stop();
 
     /// Writes the settings when something has changed. \return false when the administrator declined a question that
     /// comes first: nothing was written and the change is still to be applied
@@ -80,6 +82,7 @@ private:
 
     girder::ui_thread& thread_;
     restart_request& restart_;
+    service_commands service_{thread_, *this};
     std::vector<LoadFailure> failures_;
     config_model model_;
     access_editor access_editor_ = run_system_access_editor;

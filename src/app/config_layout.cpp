@@ -1,6 +1,8 @@
 #include "app/config_layout.h"
 
+#include "localisation/string_tables.h"
 #include "resource.h"
+#include "string_ids.h"
 
 #include <windows.h>
 
@@ -18,10 +20,10 @@ box config_dialog_layout(const control_measure& measure)
     const int line = measure.units().vertical(4);
     const int indent = measure.units().horizontal(10);
 
-    const box server =
-        row({measure.label(IDC_STATUS_LABEL), growing_wide(measure.edit(IDC_STATUS, status_characters)), filler(gap),
-             with_equal_widths(row({measure.push_button(IDC_START), measure.push_button(IDC_STOP)}, gap))},
-            gap);
+    const box start = measure.push_button(IDC_START, {text(string_id::start), text(string_id::install)});
+    const box server = row({measure.label(IDC_STATUS_LABEL), growing_wide(measure.edit(IDC_STATUS, status_characters)),
+                            filler(gap), with_equal_widths(row({start, measure.push_button(IDC_STOP)}, gap))},
+                           gap);
     const box who_can_connect = growing_wide(measure.wrapped_text(IDC_ACCESS_WORDS, measure.units().horizontal(135)));
     const box access =
         row({measure.push_button(IDC_SECURITY), who_can_connect, measure.drop_down_list(IDC_LANGUAGE)}, gap);

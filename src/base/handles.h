@@ -17,6 +17,7 @@ void close_view(const void* address) noexcept;
 void free_library(HMODULE module) noexcept;
 void free_local(void* memory) noexcept;
 void close_key(HKEY key) noexcept;
+void close_service(SC_HANDLE handle) noexcept;
 void delete_gdi(HGDIOBJ object) noexcept;
 
 /// Processes, threads, events, mutexes and mappings: they fail with null.
@@ -66,6 +67,13 @@ struct registry_key {
     static void close(raw_type key) noexcept { close_key(key); }
 };
 
+/// The service manager and its services: they fail with null.
+struct service {
+    using raw_type = SC_HANDLE;
+    static constexpr raw_type empty() noexcept { return nullptr; }
+    static void close(raw_type handle) noexcept { close_service(handle); }
+};
+
 /// Fonts, brushes and bitmaps.
 template <typename Object>
 struct gdi {
@@ -83,6 +91,7 @@ using unique_view = unique_handle<handle_traits::view>;
 using unique_library = unique_handle<handle_traits::library>;
 using unique_local_memory = unique_handle<handle_traits::local_memory>;
 using unique_registry_key = unique_handle<handle_traits::registry_key>;
+using unique_service_handle = unique_handle<handle_traits::service>;
 using unique_font = unique_handle<handle_traits::gdi<HFONT>>;
 
 } // namespace girder

@@ -58,6 +58,12 @@ void close_key(HKEY key) noexcept
     ::RegCloseKey(key);
 }
 
+void close_service(SC_HANDLE handle) noexcept
+{
+    const last_error_keeper keeper;
+    ::CloseServiceHandle(handle);
+}
+
 void delete_gdi(HGDIOBJ object) noexcept
 {
     const last_error_keeper keeper;

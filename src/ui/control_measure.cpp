@@ -62,7 +62,16 @@ extent control_measure::label_extent(int id) const
 
 box control_measure::push_button(int id) const
 {
-    const extent caption = label_extent(id);
+    return push_button(id, {});
+}
+
+box control_measure::push_button(int id, std::initializer_list<std::u16string_view> captions) const
+{
+    extent caption = label_extent(id);
+    for (const std::u16string_view other : captions) {
+        const extent size = text_.label(other);
+        caption = {.width = std::max(caption.width, size.width), .height = std::max(caption.height, size.height)};
+    }
     return control_box(
         id, {.width = std::max(units_.horizontal(button_width), caption.width + 2 * units_.horizontal(button_padding)),
              .height = std::max(units_.vertical(button_height), caption.height + units_.vertical(button_padding))});

@@ -6,6 +6,9 @@
 
 #include <windows.h>
 
+#include <initializer_list>
+#include <string_view>
+
 namespace girder::ui {
 
 /// The boxes of a dialog's controls: each of the size that shows the control's present text whole, and never smaller
@@ -20,6 +23,8 @@ public:
     UINT dpi() const noexcept { return units_.dpi(); }
 
     box push_button(int id) const;
+    /// Of a button whose caption changes: as large as its present caption or any of these needs.
+    box push_button(int id, std::initializer_list<std::u16string_view> captions) const;
     /// A check box or radio button.
     box mark_button(int id) const;
     box label(int id) const;

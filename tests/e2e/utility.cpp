@@ -14,9 +14,9 @@ using ui_driver::timed_out;
 std::u16string program_under_test;
 std::u16string server_under_test;
 
-utility::utility()
+utility::utility(const std::u16string& program)
 {
-    std::u16string command_line = u'"' + program_under_test + u"\" --handed to a restart";
+    std::u16string command_line = u'"' + program + u"\" --handed to a restart";
     STARTUPINFOW startup{};
     startup.cb = sizeof startup;
     PROCESS_INFORMATION started{};

@@ -16,6 +16,7 @@ extern std::u16string server_under_test;
 
 inline constexpr char16_t main_window_title[] = u"Zelmark Tidelink Server Control";
 inline constexpr char16_t error_title[] = u"Operation Error";
+inline constexpr char16_t wait_title[] = u"Please Wait";
 inline constexpr char16_t question_title[] = u"Tidelink Port Server";
 
 namespace id {
@@ -25,6 +26,8 @@ inline constexpr int apply = 3;
 inline constexpr int yes = 6;
 inline constexpr int no = 7;
 inline constexpr int status = 1001;
+inline constexpr int start = 1002;
+inline constexpr int stop = 1003;
 inline constexpr int share_all = 1005;
 inline constexpr int share_selected = 1006;
 inline constexpr int port_list = 1007;
@@ -38,9 +41,9 @@ inline constexpr int access_words = 1023;
 /// One run of the program. Ended with the object when it still runs.
 class utility {
 public:
-    /// Starts the program without waiting for its window.
+    /// Starts the program, or a copy of it, without waiting for its window.
     /// \throws girder::system_error
-    utility();
+    explicit utility(const std::u16string& program = program_under_test);
     utility(const utility&) = delete;
     utility& operator=(const utility&) = delete;
     ~utility();

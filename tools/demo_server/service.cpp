@@ -3,13 +3,15 @@
 #include "base/handles.h"
 #include "base/win32_error.h"
 #include "install.h"
-#include "log.h"
 #include "server.h"
 
 #include <exception>
 
 namespace demo_server {
 namespace {
+
+/// The service manager calls the service with no context.
+const script* followed_script = nullptr;
 
 struct running_service {
     SERVICE_STATUS_HANDLE status = nullptr;
@@ -45,9 +47,15 @@ DWORD WINAPI on_control(DWORD control, DWORD, void*, void* context)
 /// \return the code that the service manager is told
 DWORD serve(const running_service& service) noexcept
 try {
-    server listening;
-    report(service, SERVICE_RUNNING);
-    listening.serve_until(service.stop.get());
+    ::Sleep(followed_script->start_ms);
+    if (followed_script->start_error != NO_ERROR)
+        return followed_script->start_error;
+    {
+        server listening;
+        report(service, SERVICE_RUNNING);
+        listening.serve_until(service.stop.get());
+    }
+    ::Sleep(followed_script->stop_ms);
     return NO_ERROR;
 } catch (const girder::system_error& error) {
     return error.code();
@@ -68,8 +76,10 @@ void WINAPI service_main(DWORD, wchar_t**)
 
 } // namespace
 
-bool run_as_service()
+bool run_as_service(const script& script)
 {
+    ::Sleep(script.connect_ms);
+    followed_script = &script;
     wchar_t name[] = L"zelpssrv";
     const SERVICE_TABLE_ENTRYW services[] = {{.lpServiceName = name, .lpServiceProc = service_main}, {}};
     if (::StartServiceCtrlDispatcherW(services))
