@@ -1,0 +1,98 @@
+#include "support/cases.h"
+#include "ui/rich_text.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <ostream>
+
+namespace girder::ui {
+namespace {
+
+using support::name_of_row;
+
+/// The runs in a form to read: each text behind its looks, in braces.
+std::u16string described(const rich_text& text)
+{
+    std::u16string all;
+    for (const text_run& run : text.runs) {
+        all += u'{';
+        if (run.style.bold)
+            all += u"b ";
+        if (run.style.percent != 100)
+            all += run.style.percent == 120 ? u"120 " : u"? ";
+        if (run.style.link >= 0)
+            all += u"<" + text.addresses.at(static_cast<std::size_t>(run.style.link)) + u"> ";
+        all += std::u16string_view(text.text).substr(run.begin, run.length);
+        all += u'}';
+    }
+    return all;
+}
+
+struct markup_case {
+    const char* name;
+    std::u16string_view markup;
+    std::u16string_view expected;
+};
+
+std::ostream& operator<<(std::ostream& out, const markup_case& row)
+{
+    return out << row.name;
+}
+
+class parse_markup_test : public testing::TestWithParam<markup_case> {};
+
+TEST_P(parse_markup_test, reads)
+{
+    EXPECT_EQ(described(parse_markup(GetParam().markup)), GetParam().expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    rule, parse_markup_test,
+    testing::ValuesIn(std::to_array<markup_case>({
+        {"nothing", u"", u""},
+        {"plain", u"a [b] [[c]]", u"{a [b] [[c]]}"},
+        {"nested", u"[[[b[[[s:120:Name]]]]]]\nVersion", u"{b 120 Name}{\nVersion}"},
+        {"nested_in_part", u"a[[[bb[[[s:120:c]]]d]]]e", u"{a}{b b}{b 120 c}{b d}{e}"},
+        {"innermost_size_counts", u"[[[s:50:a[[[s:120:b]]]]]]", u"{? a}{120 b}"},
+        {"link", u"[[[hhttps://a.example]]].", u"{<https://a.example> https://a.example}{.}"},
+        {"link_with_text", u"[[[hmailto:a@b|Write [[[bus]]]]]]!", u"{<mailto:a@b> Write }{b <mailto:a@b> us}{!}"},
+        {"link_without_text", u"[[[hhttps://a|[[[b]]]]]]", u"{<https://a> https://a}"},
+        {"two_links_side_by_side", u"[[[hhttps://a]]][[[hhttps://b]]]",
+         u"{<https://a> https://a}{<https://b> https://b}"},
+        {"no_link_in_a_link", u"[[[hhttps://a|x[[[hhttps://b]]]y]]]", u"{<https://a> xhttps://by}"},
+        {"scheme_in_capitals", u"[[[hHTTPS://a]]]", u"{<HTTPS://a> HTTPS://a}"},
+        {"other_schemes_are_text", u"[[[hfile://a]]][[[hhttp://a]]]", u"{[[[hfile://a]]][[[hhttp://a]]]}"},
+        {"scheme_alone_is_text", u"[[[hhttps://]]]", u"{[[[hhttps://]]]}"},
+        {"address_with_quotes_is_text", u"[[[hhttps://a\"b|x]]]", u"{[[[hhttps://a\"b|x]]]}"},
+        {"address_with_blank_is_text", u"[[[hhttps://a b]]]", u"{[[[hhttps://a b]]]}"},
+        {"address_with_reversed_writing_is_text", u"[[[hhttps://a\u202Eb]]]", u"{[[[hhttps://a\u202Eb]]]}"},
+        {"unclosed_is_text", u"a[[[bb", u"{a[[[bb}"},
+        {"unclosed_link_is_text", u"[[[hhttps://a|b", u"{[[[hhttps://a|b}"},
+        {"outer_unclosed", u"[[[b[[[s:120:a]]]", u"{[[[b}{120 a}"},
+        {"close_without_open_is_text", u"a]]][[[bb]]]]]]", u"{a]]]}{b b}{]]]}"},
+        {"brackets", u"[[[([[[)b[[[b[[[[(]]]", u"{[]b}{b [[}"},
+        {"unknown_mark", u"[[[x]]]", u"{[[[x]]]}"},
+        {"size_out_of_range", u"[[[s:24:a]]][[[s:401:b]]]", u"{[[[s:24:a]]][[[s:401:b]]]}"},
+        {"size_malformed", u"[[[s:12][[[s::a[[[s:00120:b[[[s:99999999999:",
+         u"{[[[s:12][[[s::a[[[s:00120:b[[[s:99999999999:}"},
+        {"ends_in_a_mark", u"[[[", u"{[[[}"},
+        {"line_ends", u"a\r\nb\n", u"{a\nb\n}"},
+    })),
+    name_of_row);
+
+TEST(escaped_markup_test, shows_any_text_whatever_stands_around_it)
+{
+    for (const std::u16string_view text : {u"[[[b", u"]]]", u"[", u"]", u"[[[[", u"a]b[c"}) {
+        const std::u16string around = u"[" + escaped_markup(text) + u"[[[b" + escaped_markup(text) + u"]]]]";
+        EXPECT_EQ(parse_markup(around).text, u"[" + std::u16string(text) + std::u16string(text) + u"]");
+    }
+}
+
+TEST(rich_text_test, text_of_a_link_is_put_together)
+{
+    EXPECT_EQ(parse_markup(u"x[[[hhttps://a|one [[[btwo]]]]]]y").link_text(0), u"one two");
+}
+
+} // namespace
+} // namespace girder::ui
