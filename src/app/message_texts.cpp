@@ -8,6 +8,7 @@
 #include "format/format.h"
 #include "localisation/string_tables.h"
 #include "string_ids.h"
+#include "ui/rich_text.h"
 
 namespace tidelink {
 
@@ -31,9 +32,10 @@ std::u16string error_text(const std::exception& error)
 void show_operation_error(HWND owner, std::u16string_view message)
 {
     const message_button ok[] = {{.id = IDOK, .text = text(string_id::ok)}};
-    girder::ui::show_message_box(
-        owner,
-        {.title = text(string_id::operation_error), .text = message, .icon = message_icon::error, .buttons = ok});
+    girder::ui::show_message_box(owner, {.title = text(string_id::operation_error),
+                                         .text = girder::ui::escaped_markup(message),
+                                         .icon = message_icon::error,
+                                         .buttons = ok});
 }
 
 void report_operation_error(HWND owner, const std::exception& error) noexcept

@@ -2,6 +2,7 @@
 
 #include "base/wide.h"
 #include "ui/controls.h"
+#include "ui/rich_view.h"
 
 #include <algorithm>
 #include <utility>
@@ -95,6 +96,13 @@ box control_measure::wrapped_text(int id, int widest) const
     const std::u16string text = window_text(control(id));
     return wrapped_box(id, text_.wrapped(text, widest).width,
                        [this, text](int width) { return text_.wrapped(text, width).height; });
+}
+
+box control_measure::rich_text(int id, int widest) const
+{
+    const HWND view = control(id);
+    return wrapped_box(id, rich_view_extent(view, widest).width,
+                       [view](int width) { return rich_view_extent(view, width).height; });
 }
 
 box control_measure::edit(int id, int characters) const

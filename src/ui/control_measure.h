@@ -31,6 +31,8 @@ public:
     /// A static text (SS_NOPREFIX | SS_EDITCONTROL) broken into lines of at most `widest` pixels. The box refers to
     /// this object.
     box wrapped_text(int id, int widest) const;
+    /// A rich text view whose text is broken into lines of at most `widest` pixels.
+    box rich_text(int id, int widest) const;
     /// A one-line edit of at least `characters` average characters, and of its present text; as high as
     /// centres its text.
     box edit(int id, int characters) const;

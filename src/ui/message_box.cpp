@@ -7,6 +7,8 @@
 #include "ui/controls.h"
 #include "ui/dialog.h"
 #include "ui/message_box_ids.h"
+#include "ui/rich_text.h"
+#include "ui/rich_view.h"
 
 #include <commctrl.h>
 #include <shellapi.h>
@@ -88,12 +90,13 @@ std::u16string as_plain_text(const message_request& request)
     for (const message_button& button : request.buttons)
         captions.append(without_mnemonic(button.text)).append(u"   ");
     std::u16string plain(line);
-    for (const std::u16string_view part : {request.title, request.text, std::u16string_view(captions)})
+    const std::u16string text = parse_markup(request.text).text;
+    for (const std::u16string_view part : {request.title, std::u16string_view(text), std::u16string_view(captions)})
         plain.append(part).append(u"\r\n").append(line);
     return plain;
 }
 
-/// Makes Ctrl+C of a button or check box a WM_COPY to its dialog.
+/// Makes Ctrl+C of a control a WM_COPY to its dialog.
 LRESULT CALLBACK copy_key_filter(HWND child, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR id,
                                  DWORD_PTR) noexcept
 {
@@ -121,6 +124,8 @@ protected:
     {
         set_window_text(window(), request_.title);
         set_window_text(control(IDC_MESSAGE_TEXT), request_.text);
+        replace_by_rich_view(window(), IDC_MESSAGE_TEXT);
+        ::SetWindowSubclass(control(IDC_MESSAGE_TEXT), copy_key_filter, 0, 0);
         set_up_check_box();
         set_up_buttons();
         if (!kind_)
@@ -230,17 +235,19 @@ private:
     static int icon_side(UINT dpi) noexcept { return ::GetSystemMetricsForDpi(SM_CXICON, dpi); }
 
     /// The narrowest of a few widths in which the text takes no more than half of the screen's height. A text that is
-    /// still too long for the screen is cut at its end rather than push the buttons off the screen.
+    /// still too long for the screen scrolls rather than push the buttons off it.
     box text_box(const control_measure& measure) const
     {
         constexpr int widths[] = {220, 300, 380, 460};
+        constexpr int least_height = 32;
+        const HWND view = control(IDC_MESSAGE_TEXT);
         const int highest = ::GetSystemMetrics(SM_CYSCREEN) / 2;
         const auto fits = [&](int units) {
-            return measure.text().wrapped(request_.text, measure.units().horizontal(units)).height <= highest;
+            return rich_view_extent(view, measure.units().horizontal(units)).height <= highest;
         };
         const auto* const chosen = std::find_if(std::begin(widths), std::prev(std::end(widths)), fits);
-        box text = measure.wrapped_text(IDC_MESSAGE_TEXT, measure.units().horizontal(*chosen));
-        const extent least{.width = text.natural.width, .height = measure.units().vertical(8)};
+        box text = measure.rich_text(IDC_MESSAGE_TEXT, measure.units().horizontal(*chosen));
+        const extent least{.width = text.natural.width, .height = measure.units().vertical(least_height)};
         return shrinking_to(least, std::move(text));
     }
 

@@ -20,7 +20,7 @@ struct message_button {
 /// What a message box shows. The views need to live for the call only.
 struct message_request {
     std::u16string_view title;
-    std::u16string_view text;                ///< plain; line feeds start new lines
+    std::u16string_view text;                ///< markup (ui/rich_text.h); line feeds start new lines
     message_icon icon = message_icon::none;  ///< decides the system sound too
     std::span<const message_button> buttons; ///< at least one, none twice, from left to right
     int default_button = 0;                  ///< has the focus at first; 0: the first

@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -30,6 +32,22 @@ inline std::array<std::uintptr_t, 3> handle_marks()
     return {highest([] { return ::CreateEventW(nullptr, TRUE, FALSE, nullptr); }, ::CloseHandle, whole),
             highest([] { return ::CreateSolidBrush(0x123456); }, ::DeleteObject, index),
             highest([] { return ::CreateMenu(); }, ::DestroyMenu, index)};
+}
+
+/// 200 openings of a dialog leave no object behind. The first ones make what the system keeps.
+template <typename Open>
+void expect_no_lost_handles(Open open)
+{
+    constexpr int first_ones = 3;
+    constexpr int openings = 200;
+    for (int i = 0; i < first_ones; ++i)
+        open();
+    const auto before = handle_marks();
+    for (int i = 0; i < openings; ++i)
+        open();
+    const auto after = handle_marks();
+    for (std::size_t kind = 0; kind < before.size(); ++kind)
+        EXPECT_LE(after[kind], before[kind]) << "kernel, GDI, window system: kind " << kind;
 }
 
 } // namespace support

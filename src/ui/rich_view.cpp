@@ -1,0 +1,496 @@
+#include "ui/rich_view.h"
+
+#include "base/debug_log.h"
+#include "base/system_library.h"
+#include "base/wide.h"
+#include "base/win32_error.h"
+#include "ui/rich_accessible.h"
+#include "ui/rich_layout.h"
+#include "ui/rich_text.h"
+#include "ui/scroll_bar.h"
+
+#include <shellapi.h>
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+namespace girder::ui {
+namespace {
+
+/// wParam: the width; lParam: where to put the extent.
+constexpr UINT measure_message = WM_USER + 1;
+
+RECT as_rectangle(const area& place) noexcept
+{
+    return {.left = place.x, .top = place.y, .right = place.x + place.width, .bottom = place.y + place.height};
+}
+
+/// Asks the shell to open an address, as a double click would.
+void open_by_shell(HWND owner, const std::u16string& address)
+{
+    constexpr INT_PTR greatest_error = 32;
+    const system_library shell(u"shell32.dll");
+    const auto execute = shell.function<decltype(::ShellExecuteW)>("ShellExecuteW");
+    const HINSTANCE result = execute(owner, L"open", as_wide(address), nullptr, nullptr, SW_SHOWNORMAL);
+    if (const auto code = reinterpret_cast<INT_PTR>(result); code <= greatest_error)
+        throw_win32(static_cast<DWORD>(code), "ShellExecuteW");
+}
+
+class rich_view final : public accessible_view {
+public:
+    explicit rich_view(HWND window) noexcept : window_(window) {}
+    rich_view(const rich_view&) = delete;
+    rich_view& operator=(const rich_view&) = delete;
+    ~rich_view()
+    {
+        if (accessible_)
+            accessible_.get()->disconnect();
+    }
+
+    LRESULT handle(UINT message, WPARAM wparam, LPARAM lparam);
+
+    HWND window() const noexcept override { return window_; }
+    const rich_text& content() const noexcept override { return text_; }
+    std::vector<link_area> visible_links() override;
+    int focused_link() const noexcept override { return ::GetFocus() == window_ ? focused_ : -1; }
+    void focus_link(int link) override;
+    void open_link(int link) override;
+
+private:
+    LRESULT set_text(const char16_t* markup);
+    void set_font(HFONT font, bool redraw);
+    void renew_layout();
+    void fit();
+    extent measure(int width);
+
+    void paint(HDC device);
+    void draw_focus(HDC device);
+    void invalidate() const noexcept { ::InvalidateRect(window_, nullptr, FALSE); }
+
+    int link_at(LPARAM position);
+    void hover(int link);
+    void on_mouse_move(LPARAM position);
+    void on_button_down(LPARAM position);
+    void on_button_up(LPARAM position);
+    bool show_cursor();
+
+    LRESULT wanted_keys(const MSG* key) const noexcept;
+    /// The link that Tab goes to from the focused one, -1 when it leaves the view.
+    int next_link(bool backwards) const noexcept;
+    bool on_key(WPARAM key);
+    void on_focus();
+    void scrolled(int distance);
+    LRESULT give_object(WPARAM wparam, LPARAM lparam);
+
+    int link_count() const noexcept { return static_cast<int>(text_.addresses.size()); }
+    RECT inside() const noexcept;
+
+    HWND window_;
+    rich_text text_;
+    HFONT font_ = nullptr; ///< the creator's
+    std::unique_ptr<rich_layout> layout_;
+    scroll_bar bar_{SB_VERT};
+    int line_height_ = 1;
+    int focused_ = -1;
+    int hovered_ = -1;
+    int pressed_ = -1;
+    unique_com<rich_accessible> accessible_;
+};
+
+RECT rich_view::inside() const noexcept
+{
+    RECT inside{};
+    ::GetClientRect(window_, &inside);
+    return inside;
+}
+
+LRESULT rich_view::set_text(const char16_t* markup)
+{
+    text_ = parse_markup(markup ? markup : u"");
+    focused_ = text_.addresses.empty() ? -1 : 0;
+    hovered_ = pressed_ = -1;
+    bar_.scroll_to(window_, 0);
+    // Whoever asks for the text, a screen reader for example, gets it without the markup.
+    const LRESULT result = ::DefWindowProcW(window_, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(as_wide(text_.text)));
+    renew_layout();
+    ::NotifyWinEvent(EVENT_OBJECT_NAMECHANGE, window_, OBJID_CLIENT, CHILDID_SELF);
+    return result;
+}
+
+void rich_view::set_font(HFONT font, bool redraw)
+{
+    font_ = font;
+    renew_layout();
+    if (redraw)
+        invalidate();
+}
+
+void rich_view::renew_layout()
+{
+    const HFONT font = font_ ? font_ : static_cast<HFONT>(::GetStockObject(DEFAULT_GUI_FONT));
+    layout_ = nullptr;
+    layout_ = make_direct_layout(text_, font);
+    if (!layout_)
+        layout_ = make_gdi_layout(text_, font);
+    fit();
+}
+
+/// Breaks the text to the window's width and sets what follows from its height.
+void rich_view::fit()
+{
+    const RECT room = inside();
+    const int height = layout_->arrange(room.right).height;
+    line_height_ = std::max(1, height / static_cast<int>(1 + std::ranges::count(text_.text, u'\n')));
+    bar_.fit(window_, height, room.bottom);
+    const auto style = static_cast<DWORD>(::GetWindowLongPtrW(window_, GWL_STYLE));
+    const bool reachable = link_count() > 0 || bar_.needed();
+    ::SetWindowLongPtrW(window_, GWL_STYLE,
+                        static_cast<LONG_PTR>(reachable ? style | WS_TABSTOP : style & ~DWORD{WS_TABSTOP}));
+    invalidate();
+}
+
+extent rich_view::measure(int width)
+{
+    const extent needed = layout_->arrange(width);
+    layout_->arrange(inside().right);
+    return needed;
+}
+
+void rich_view::paint(HDC device)
+{
+    const RECT room = inside();
+    if (!layout_->paint(device, room, bar_.position(), hovered_)) {
+        layout_ = make_gdi_layout(text_, font_ ? font_ : static_cast<HFONT>(::GetStockObject(DEFAULT_GUI_FONT)));
+        fit();
+        layout_->paint(device, room, bar_.position(), hovered_);
+    }
+    if (focused_link() >= 0)
+        draw_focus(device);
+    else if (::GetFocus() == window_)
+        ::DrawFocusRect(device, &room);
+}
+
+void rich_view::draw_focus(HDC device)
+{
+    ::SetTextColor(device, ::GetSysColor(COLOR_BTNTEXT));
+    ::SetBkColor(device, ::GetSysColor(COLOR_BTNFACE));
+    for (const link_area& each : visible_links()) {
+        const RECT around = as_rectangle(each.place);
+        if (each.link == focused_)
+            ::DrawFocusRect(device, &around);
+    }
+}
+
+std::vector<link_area> rich_view::visible_links()
+{
+    std::vector<link_area> areas = layout_->link_areas();
+    for (link_area& each : areas)
+        each.place.y -= bar_.position();
+    return areas;
+}
+
+int rich_view::link_at(LPARAM position)
+{
+    const POINT point{.x = static_cast<short>(LOWORD(position)), .y = static_cast<short>(HIWORD(position))};
+    for (const link_area& each : visible_links()) {
+        const RECT place = as_rectangle(each.place);
+        if (::PtInRect(&place, point))
+            return each.link;
+    }
+    return -1;
+}
+
+void rich_view::hover(int link)
+{
+    if (std::exchange(hovered_, link) != link)
+        invalidate();
+}
+
+void rich_view::on_mouse_move(LPARAM position)
+{
+    TRACKMOUSEEVENT leaving{.cbSize = sizeof leaving, .dwFlags = TME_LEAVE, .hwndTrack = window_, .dwHoverTime = 0};
+    ::TrackMouseEvent(&leaving);
+    hover(link_at(position));
+}
+
+void rich_view::on_button_down(LPARAM position)
+{
+    pressed_ = link_at(position);
+    if (pressed_ >= 0)
+        focus_link(pressed_);
+}
+
+void rich_view::on_button_up(LPARAM position)
+{
+    const int pressed = std::exchange(pressed_, -1);
+    if (pressed >= 0 && link_at(position) == pressed)
+        open_link(pressed);
+}
+
+bool rich_view::show_cursor()
+{
+    const DWORD position = ::GetMessagePos();
+    POINT point{.x = static_cast<short>(LOWORD(position)), .y = static_cast<short>(HIWORD(position))};
+    ::ScreenToClient(window_, &point);
+    if (link_at(MAKELPARAM(point.x, point.y)) < 0)
+        return false;
+    ::SetCursor(::LoadCursorW(nullptr, IDC_HAND));
+    return true;
+}
+
+void rich_view::focus_link(int link)
+{
+    focused_ = link;
+    if (::GetFocus() == window_)
+        on_focus();
+    else
+        ::SetFocus(window_);
+}
+
+void rich_view::on_focus()
+{
+    for (const link_area& each : layout_->link_areas())
+        if (each.link == focused_)
+            bar_.reveal(window_, each.place.y, each.place.y + each.place.height);
+    invalidate();
+    ::NotifyWinEvent(EVENT_OBJECT_FOCUS, window_, OBJID_CLIENT, focused_ + 1);
+}
+
+void rich_view::open_link(int link)
+{
+    const std::u16string address = text_.addresses.at(static_cast<std::size_t>(link));
+    const rich_view_click click{.header = {.hwndFrom = window_,
+                                           .idFrom = static_cast<UINT_PTR>(::GetDlgCtrlID(window_)),
+                                           .code = static_cast<UINT>(NM_CLICK)},
+                                .address = address};
+    const HWND parent = ::GetParent(window_);
+    if (::SendMessageW(parent, WM_NOTIFY, click.header.idFrom, reinterpret_cast<LPARAM>(&click)) == 0)
+        open_by_shell(parent, address);
+}
+
+int rich_view::next_link(bool backwards) const noexcept
+{
+    const int next = focused_ + (backwards ? -1 : 1);
+    return next >= 0 && next < link_count() ? next : -1;
+}
+
+LRESULT rich_view::wanted_keys(const MSG* key) const noexcept
+{
+    const LRESULT arrows = bar_.needed() ? DLGC_WANTARROWS : 0;
+    if (!key || key->message != WM_KEYDOWN)
+        return arrows;
+    const bool moves_on = key->wParam == VK_TAB && next_link(::GetKeyState(VK_SHIFT) < 0) >= 0;
+    const bool opens = key->wParam == VK_RETURN && focused_ >= 0;
+    return moves_on || opens ? arrows | DLGC_WANTMESSAGE : arrows;
+}
+
+bool rich_view::on_key(WPARAM key)
+{
+    switch (key) {
+    case VK_TAB:
+        if (const int next = next_link(::GetKeyState(VK_SHIFT) < 0); next >= 0)
+            focus_link(next);
+        return true;
+    case VK_RETURN:
+        if (focused_ >= 0)
+            open_link(focused_);
+        return true;
+    case VK_UP:
+        scrolled(bar_.on_scroll(window_, SB_LINEUP, line_height_));
+        return true;
+    case VK_DOWN:
+        scrolled(bar_.on_scroll(window_, SB_LINEDOWN, line_height_));
+        return true;
+    case VK_PRIOR:
+        scrolled(bar_.on_scroll(window_, SB_PAGEUP, line_height_));
+        return true;
+    case VK_NEXT:
+        scrolled(bar_.on_scroll(window_, SB_PAGEDOWN, line_height_));
+        return true;
+    case VK_HOME:
+        scrolled(bar_.on_scroll(window_, SB_TOP, line_height_));
+        return true;
+    case VK_END:
+        scrolled(bar_.on_scroll(window_, SB_BOTTOM, line_height_));
+        return true;
+    default:
+        return false;
+    }
+}
+
+void rich_view::scrolled(int distance)
+{
+    if (distance != 0)
+        invalidate();
+}
+
+LRESULT rich_view::give_object(WPARAM wparam, LPARAM lparam)
+{
+    if (static_cast<LONG>(lparam) != OBJID_CLIENT)
+        return ::DefWindowProcW(window_, WM_GETOBJECT, wparam, lparam);
+    if (!accessible_)
+        accessible_ = make_accessible(*this);
+    return hand_out_accessible(*accessible_.get(), wparam);
+}
+
+LRESULT rich_view::handle(UINT message, WPARAM wparam, LPARAM lparam)
+{
+    switch (message) {
+    case WM_CREATE:
+        set_text(as_utf16(reinterpret_cast<const CREATESTRUCTW*>(lparam)->lpszName));
+        return 0;
+    case WM_SETTEXT:
+        return set_text(as_utf16(reinterpret_cast<const wchar_t*>(lparam)));
+    case WM_SETFONT:
+        set_font(reinterpret_cast<HFONT>(wparam), LOWORD(lparam) != 0);
+        return 0;
+    case WM_GETFONT:
+        return reinterpret_cast<LRESULT>(font_);
+    case measure_message:
+        *reinterpret_cast<extent*>(lparam) = measure(static_cast<int>(wparam));
+        return 0;
+    case WM_SIZE:
+        fit();
+        return 0;
+    case WM_SYSCOLORCHANGE:
+    case WM_THEMECHANGED:
+        invalidate();
+        return 0;
+    case WM_ERASEBKGND:
+        return 1;
+    case WM_PAINT: {
+        PAINTSTRUCT painted{};
+        const HDC device = ::BeginPaint(window_, &painted);
+        paint(device);
+        ::EndPaint(window_, &painted);
+        return 0;
+    }
+    case WM_PRINTCLIENT:
+        paint(reinterpret_cast<HDC>(wparam));
+        return 0;
+    case WM_MOUSEMOVE:
+        on_mouse_move(lparam);
+        return 0;
+    case WM_MOUSELEAVE:
+        hover(-1);
+        return 0;
+    case WM_LBUTTONDOWN:
+        on_button_down(lparam);
+        return 0;
+    case WM_LBUTTONUP:
+        on_button_up(lparam);
+        return 0;
+    case WM_SETCURSOR:
+        if (LOWORD(lparam) == HTCLIENT && show_cursor())
+            return TRUE;
+        break;
+    case WM_GETDLGCODE:
+        return wanted_keys(reinterpret_cast<const MSG*>(lparam));
+    case WM_KEYDOWN:
+        if (on_key(wparam))
+            return 0;
+        break;
+    case WM_SETFOCUS:
+        // Tab comes in at the near end.
+        if (pressed_ < 0 && link_count() > 0 && ::GetKeyState(VK_TAB) < 0)
+            focused_ = ::GetKeyState(VK_SHIFT) < 0 ? link_count() - 1 : 0;
+        on_focus();
+        return 0;
+    case WM_KILLFOCUS:
+        invalidate();
+        return 0;
+    case WM_VSCROLL:
+        scrolled(bar_.on_scroll(window_, LOWORD(wparam), line_height_));
+        return 0;
+    case WM_MOUSEWHEEL:
+        if (!bar_.needed())
+            break;
+        scrolled(bar_.on_wheel(window_, wparam, line_height_));
+        return 0;
+    case WM_GETOBJECT:
+        return give_object(wparam, lparam);
+    default:
+        break;
+    }
+    return ::DefWindowProcW(window_, message, wparam, lparam);
+}
+
+/// Nothing is thrown into the system. Whoever uses the view hears that something did not work.
+LRESULT guarded(rich_view& view, UINT message, WPARAM wparam, LPARAM lparam) noexcept
+try {
+    return view.handle(message, wparam, lparam);
+} catch (const std::exception& error) {
+    const auto* const failed_call = dynamic_cast<const system_error*>(&error);
+    log_failure({.code = failed_call ? failed_call->code() : 0, .context = error.what()});
+    ::MessageBeep(MB_ICONERROR);
+    return 0;
+}
+
+/// The view object belongs to its window.
+rich_view* make_view(HWND window)
+{
+    auto made = std::make_unique<rich_view>(window);
+    ::SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(made.get()));
+    return made.release();
+}
+
+LRESULT CALLBACK view_procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) noexcept
+{
+    auto* view = reinterpret_cast<rich_view*>(::GetWindowLongPtrW(window, GWLP_USERDATA));
+    if (!view && message == WM_NCCREATE)
+        view = make_view(window);
+    // NOLINTBEGIN(clang-analyzer-cplusplus.NewDeleteLeaks): the window keeps the pointer
+    if (message == WM_NCDESTROY) {
+        const std::unique_ptr<rich_view> last(view);
+        ::SetWindowLongPtrW(window, GWLP_USERDATA, 0);
+    } else if (view) {
+        return guarded(*view, message, wparam, lparam);
+    }
+    // NOLINTEND(clang-analyzer-cplusplus.NewDeleteLeaks)
+    return ::DefWindowProcW(window, message, wparam, lparam);
+}
+
+} // namespace
+
+void register_rich_view()
+{
+    WNDCLASSEXW description{};
+    description.cbSize = sizeof description;
+    description.style = CS_HREDRAW | CS_VREDRAW;
+    description.lpfnWndProc = view_procedure;
+    description.hInstance = ::GetModuleHandleW(nullptr);
+    description.hCursor = ::LoadCursorW(nullptr, IDC_ARROW);
+    description.lpszClassName = rich_view_class;
+    if (!::RegisterClassExW(&description) && ::GetLastError() != ERROR_CLASS_ALREADY_EXISTS)
+        throw_last_error("RegisterClassExW");
+}
+
+void replace_by_rich_view(HWND dialog, int id)
+{
+    register_rich_view();
+    const HWND replaced = ::GetDlgItem(dialog, id);
+    RECT place{};
+    ::GetWindowRect(replaced, &place);
+    ::MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&place), 2);
+    std::u16string markup(static_cast<std::size_t>(::GetWindowTextLengthW(replaced)), u'\0');
+    ::GetWindowTextW(replaced, as_wide(markup.data()), static_cast<int>(markup.size()) + 1);
+    const HWND view =
+        ::CreateWindowExW(0, rich_view_class, as_wide(markup), WS_CHILD | WS_VISIBLE, place.left, place.top,
+                          place.right - place.left, place.bottom - place.top, dialog,
+                          reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), ::GetModuleHandleW(nullptr), nullptr);
+    if (!view)
+        throw_last_error("CreateWindowExW");
+    ::SendMessageW(view, WM_SETFONT, static_cast<WPARAM>(::SendMessageW(dialog, WM_GETFONT, 0, 0)), FALSE);
+    ::SetWindowPos(view, replaced, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    ::DestroyWindow(replaced);
+}
+
+extent rich_view_extent(HWND view, int width) noexcept
+{
+    extent needed;
+    ::SendMessageW(view, measure_message, static_cast<WPARAM>(width), reinterpret_cast<LPARAM>(&needed));
+    return needed;
+}
+
+} // namespace girder::ui
