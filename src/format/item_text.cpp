@@ -138,7 +138,7 @@ Char* write_small_base(Char* out, std::uint64_t value, unsigned bits_of_digit)
 template <typename Char>
 Char* write_number(Char* out, const FormatItem& item, const argument& value)
 {
-    const auto number = magnitude_of(value, item);
+    const auto number = magnitude_of(item, value);
     const bool is_grouped = item.base == 10 && (item.flags & flag_grouped) != 0;
     if (!is_grouped && item.base != 2 && item.base != 8)
         return write_plain_number(out, item, 0, number);
@@ -276,7 +276,7 @@ template <typename Char>
 Char* write_argument(Char* out, std::basic_string_view<Char> format, const FormatItem& item, const argument& value)
 {
     if (value.is_number() && is_plain_number(item))
-        return write_plain_number(out, item, item.minWidth, magnitude_of(value, item));
+        return write_plain_number(out, item, item.minWidth, magnitude_of(item, value));
     Char* const end = write_natural(out, format, item, value);
     return end ? within_width(out, end, item) : out;
 }

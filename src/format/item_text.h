@@ -11,11 +11,6 @@
 
 namespace fmtkit::details {
 
-constexpr bool is_without_width(const FormatItem& item) noexcept
-{
-    return item.minWidth == 0 && item.maxWidth == 0;
-}
-
 template <typename Char>
 constexpr auto own_text = sizeof(Char) == 1 ? argument::kind::narrow_text : argument::kind::wide_text;
 

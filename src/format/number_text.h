@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 
 // Numbers as digits, written straight to where they belong: their length is found first.
 
@@ -84,6 +85,16 @@ constexpr const char* hexadecimal_alphabet(std::uint32_t flags) noexcept
     return (flags & flag_lower_hex) != 0 ? "0123456789abcdef" : "0123456789ABCDEF";
 }
 
+/// Writes the bytes of a word, the lowest first, as eight units.
+template <typename Char>
+void widen_eight(Char* out, std::uint64_t bytes) noexcept
+{
+    using eight_bytes [[gnu::vector_size(8)]] = unsigned char;
+    using eight_units [[gnu::vector_size(8 * sizeof(Char))]] = std::make_unsigned_t<Char>;
+    const auto units = __builtin_convertvector(std::bit_cast<eight_bytes>(bytes), eight_units);
+    std::memcpy(out, &units, sizeof units);
+}
+
 /// Writes eight hexadecimal digits, leading zeros among them, at once: a digit in each byte of a word.
 template <typename Char>
 void write_eight_digits(Char* out, std::uint32_t value, std::uint32_t flags) noexcept
@@ -95,8 +106,15 @@ void write_eight_digits(Char* out, std::uint32_t value, std::uint32_t flags) noe
     // Adding 6 carries into the next half byte from ten on.
     const std::uint64_t letters = ((digits + 0x0606'0606'0606'0606) >> 4) & 0x0101'0101'0101'0101;
     digits += 0x3030'3030'3030'3030 + letters * ((flags & flag_lower_hex) != 0 ? 'a' - '0' - 10 : 'A' - '0' - 10);
-    for (unsigned i = 0; i < 8; ++i)
-        out[i] = static_cast<Char>((digits >> (56 - 8 * i)) & 0xFF);
+    widen_eight(out, __builtin_bswap64(digits));
+}
+
+template <typename Char>
+Char* write_hexadecimal_prefix(Char* out) noexcept
+{
+    *out++ = Char('0');
+    *out++ = Char('x');
+    return out;
 }
 
 template <typename Char, std::unsigned_integral Number>
@@ -125,11 +143,21 @@ constexpr signed_magnitude<Number> split_sign(Number bits, bool is_unsigned, std
     return {bits, !is_unsigned && (flags & flag_plus) != 0 ? '+' : '\0'};
 }
 
-/// The argument's bits as the item reads them.
-inline signed_magnitude<std::uint64_t> magnitude_of(const argument& value, const FormatItem& item)
+inline bool is_unsigned(const FormatItem& item, const argument& value) noexcept
 {
-    const bool is_unsigned = (item.flags & flag_unsigned) != 0 || value.type() == argument::kind::unsigned_number;
-    return split_sign(is_unsigned ? value.as_unsigned() : value.bits(), is_unsigned, item.flags);
+    return (item.flags & flag_unsigned) != 0 || value.type() == argument::kind::unsigned_number;
+}
+
+/// The argument's bits as the item reads them.
+inline signed_magnitude<std::uint64_t> magnitude_of(const FormatItem& item, const argument& value) noexcept
+{
+    const bool unsigned_bits = is_unsigned(item, value);
+    return split_sign(unsigned_bits ? value.as_unsigned() : value.bits(), unsigned_bits, item.flags);
+}
+
+constexpr bool is_without_width(const FormatItem& item) noexcept
+{
+    return item.minWidth == 0 && item.maxWidth == 0;
 }
 
 /// The numbers of almost all formats: decimal without groups or hexadecimal, never cut.
@@ -175,39 +203,13 @@ template <typename Char, std::unsigned_integral Number>
     out = write_padding(out, item.fill, before);
     if (sign != 0)
         *out++ = static_cast<Char>(sign);
-    if (prefix != 0) {
-        *out++ = Char('0');
-        *out++ = Char('x');
-    }
+    if (prefix != 0)
+        out = write_hexadecimal_prefix(out);
     if (is_decimal)
         write_decimal_before(out + digits, magnitude);
     else
         write_hexadecimal(out, digits, magnitude, item.flags);
     return write_padding(out + digits, item.fill, padding - before);
-}
-
-inline constexpr std::size_t simple_number_room = 20;
-
-/// Decimal, without a sign, of little width: the rest of the rules does not come in.
-inline bool is_simple_number(const FormatItem& item, const argument& value) noexcept
-{
-    constexpr std::uint32_t others = flag_character | flag_grouped | flag_plus | flag_unsigned;
-    return item.base == 10 && (item.flags & others) == 0 && item.minWidth <= simple_number_room && item.maxWidth == 0 &&
-           (value.type() == argument::kind::unsigned_number ||
-            (value.type() == argument::kind::signed_number && static_cast<std::int64_t>(value.bits()) >= 0));
-}
-
-template <typename Char>
-Char* write_simple_number(Char* out, const FormatItem& item, std::uint64_t value) noexcept
-{
-    const std::size_t digits = decimal_size(value);
-    const std::size_t padding = item.minWidth > digits ? item.minWidth - digits : 0;
-    const std::size_t before = item.align == align_right ? padding : item.align == align_centre ? padding / 2 : 0;
-    // As much as there may be: faster than counting how much there is.
-    if (item.minWidth > 0)
-        std::fill_n(out, simple_number_room, static_cast<Char>(item.fill));
-    write_decimal_before(out + before + digits, value);
-    return out + padding + digits;
 }
 
 } // namespace fmtkit::details

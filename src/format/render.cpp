@@ -3,6 +3,7 @@
 #include "format/format.h"
 #include "format/item_text.h"
 #include "format/number_text.h"
+#include "format/simple_number.h"
 
 #include <cstddef>
 
@@ -114,7 +115,7 @@ template <typename Char>
 {
     if (value.is_number() && details::is_plain_number(item))
         return details::plain_number_room(item) <= room
-                   ? details::write_plain_number(out, item, item.minWidth, details::magnitude_of(value, item))
+                   ? details::write_plain_number(out, item, item.minWidth, details::magnitude_of(item, value))
                    : nullptr;
     return details::quick_room<Char>(item, value) <= room ? details::write_argument(out, format.text, item, value)
                                                           : nullptr;
@@ -124,8 +125,12 @@ template <typename Char>
 [[gnu::noinline]] Char* write_if_it_fits(Char* out, std::size_t room, const basic_format_view<Char>& format,
                                          const FormatItem& item, const argument& value)
 {
-    if (details::is_simple_number(item, value) && details::simple_number_room <= room)
-        return details::write_simple_number(out, item, value.as_unsigned());
+    if (details::simple_number_room <= room) {
+        if (details::is_simple_number(item, value))
+            return details::write_simple_number(out, item, static_cast<std::uint32_t>(value.bits()));
+        if (details::is_simple_code(item, value))
+            return details::write_simple_code(out, item, static_cast<std::uint32_t>(value.bits()));
+    }
     return write_other_if_it_fits(out, room, format, item, value);
 }
 
