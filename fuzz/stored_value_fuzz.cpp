@@ -1,8 +1,8 @@
 // Registry values of any type and bytes, as any program may leave them: each is read or refused with a listed text, and
 // whatever stands in a settings key, a record comes out of it.
 
-#include "registry/guid_text.h"
 #include "registry/single_value_reader.h"
+#include "serialisation/guid_text.h"
 #include "serialisation/load_exception.h"
 #include "settings/server_settings.h"
 
@@ -76,7 +76,7 @@ void check_value(const stored_value& stored)
     reads([&] { require(value.as_boolean() == (value.as_unsigned() != 0)); });
     reads([&] { require(static_cast<std::uint64_t>(value.as_signed()) == value.as_unsigned() || size == 4); });
     reads([&] { value.as_date(); });
-    reads([&] { require(registry_ex::parse_guid(registry_ex::to_text(value.as_guid())) == value.as_guid()); });
+    reads([&] { require(nsm::parse_guid(nsm::to_text(value.as_guid())) == value.as_guid()); });
     // A number is out of the smaller type's range more often.
     require(!reads([&] { value.as_float(); }) || reads([&] { value.as_double(); }));
     reads([&] {

@@ -1,9 +1,9 @@
 #include "registry/stored_value.h"
 
-#include "registry/date_text.h"
-#include "registry/guid_text.h"
-#include "registry/real_text.h"
+#include "serialisation/date_text.h"
+#include "serialisation/guid_text.h"
 #include "serialisation/load_exception.h"
+#include "serialisation/real_text.h"
 
 #include <cstring>
 #include <optional>
@@ -40,7 +40,7 @@ Number number_in(const std::vector<std::byte>& data)
 template <typename Real>
 Real real_in(const std::u16string& text)
 {
-    if (const std::optional<Real> parsed = parse_real<Real>(text))
+    if (const std::optional<Real> parsed = nsm::parse_real<Real>(text))
         return *parsed;
     refuse_format();
 }
@@ -66,7 +66,7 @@ file_time stored_value::as_date() const
 {
     if (type != value_type::text)
         refuse_kind(nsm::details::date_expected);
-    if (const auto parsed = parse_date(as_string()))
+    if (const auto parsed = nsm::parse_date(as_string()))
         return *parsed;
     refuse_format();
 }
@@ -88,7 +88,7 @@ std::u16string stored_value::as_string() const
 
 nsm::guid stored_value::as_guid() const
 {
-    if (const auto parsed = parse_guid(as_string()))
+    if (const auto parsed = nsm::parse_guid(as_string()))
         return *parsed;
     refuse_format();
 }

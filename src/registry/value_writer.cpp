@@ -5,8 +5,8 @@
 #include "format/format.h"
 #include "format/literals.h"
 #include "registry/create_key.h"
-#include "registry/guid_text.h"
-#include "registry/real_text.h"
+#include "serialisation/guid_text.h"
+#include "serialisation/real_text.h"
 
 #include <limits>
 #include <utility>
@@ -35,7 +35,7 @@ void RegistryValueWriter::write_string(nsm::value_name name, std::u16string_view
 
 void RegistryValueWriter::write_guid(nsm::value_name name, const nsm::guid& value)
 {
-    set_text(name, to_text(value));
+    set_text(name, nsm::to_text(value));
 }
 
 void RegistryValueWriter::write_unsigned(nsm::value_name name, std::uint64_t value)
@@ -50,12 +50,12 @@ void RegistryValueWriter::write_signed(nsm::value_name name, std::int64_t value)
 
 void RegistryValueWriter::write_double(nsm::value_name name, double value)
 {
-    set_text(name, to_text(value));
+    set_text(name, nsm::to_text(value));
 }
 
 void RegistryValueWriter::write_float(nsm::value_name name, float value)
 {
-    set_text(name, to_text(value));
+    set_text(name, nsm::to_text(value));
 }
 
 void RegistryValueWriter::write_boolean(nsm::value_name name, bool value)

@@ -68,8 +68,13 @@ void read_value(const value_reader& reader, std::uint32_t& value)
 {
     const std::uint64_t number = reader.as_unsigned();
     if (number > std::numeric_limits<std::uint32_t>::max())
-        throw details::load_exception(details::bad_format);
+        throw details::load_exception(details::number_expected);
     value = static_cast<std::uint32_t>(number);
+}
+
+void read_value(const value_reader& reader, std::uint64_t& value)
+{
+    value = reader.as_unsigned();
 }
 
 void read_value(const value_reader& reader, std::vector<std::uint32_t>& value)

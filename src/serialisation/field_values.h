@@ -3,7 +3,9 @@
 #include "serialisation/visitor.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 // How the types of a record's fields are written and read.
@@ -19,9 +21,29 @@ void write_value(value_writer& writer, value_name name, const std::vector<std::u
 
 void read_value(const value_reader& reader, std::u16string& value);
 void read_value(const value_reader& reader, bool& value);
-/// Larger numbers are "Bad format".
+/// Larger numbers are "Number expected".
 void read_value(const value_reader& reader, std::uint32_t& value);
+void read_value(const value_reader& reader, std::uint64_t& value);
 /// Accepts both representations, whatever the store can do.
 void read_value(const value_reader& reader, std::vector<std::uint32_t>& value);
+
+/// An array; `Value` has a read_value() of its own.
+template <typename Value>
+void read_value(const value_reader& reader, std::vector<Value>& value)
+{
+    std::vector<Value> read;
+    reader.visit_elements([&read](const value_reader& element) { read_value(element, read.emplace_back()); });
+    value = std::move(read);
+}
+
+/// Empty for a null.
+template <typename Value>
+void read_value(const value_reader& reader, std::optional<Value>& value)
+{
+    if (reader.is_null())
+        value.reset();
+    else
+        read_value(reader, value.emplace());
+}
 
 } // namespace girder::nsm

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "serialisation/absent_value.h"
 #include "serialisation/field_matcher.h"
 #include "serialisation/field_values.h"
 #include "serialisation/load_exception.h"
@@ -16,12 +17,14 @@
 
 namespace girder::nsm {
 
-/// One row: the serialised name, the member, and the value that a record starts with.
-template <typename Record, typename Value, typename Default>
+struct no_default {};
+
+/// One row: the serialised name, the member, and the value that a record starts with, where it has one.
+template <typename Record, typename Value, typename Default = no_default>
 struct field {
     std::string_view name;
     Value Record::* member;
-    Default default_value;
+    Default default_value = {};
 };
 
 /// The rows of a record, in declaration order.
@@ -92,6 +95,74 @@ void read_record(const Table& table, const value_reader& object, Record& record,
             on_failure(name.text, error);
         }
     });
+}
+
+namespace details {
+
+/// What read_complete_record() knows while the members come in.
+template <typename Table, typename Record>
+class complete_reading {
+public:
+    static constexpr std::size_t field_count = std::tuple_size_v<decltype(Table::fields)>;
+
+    complete_reading(const Table& table, Record& record) noexcept : table_(table), record_(record) {}
+
+    void take(const value_name& name, const value_reader& value)
+    {
+        const std::size_t index = index_of(name);
+        if (index == field_count || seen_[index])
+            return;
+        seen_[index] = true;
+        expected_ = index + 1;
+        read_field(index, value);
+    }
+
+    void read_missing()
+    {
+        for (std::size_t index = 0; index < field_count; ++index)
+            if (!seen_[index])
+                read_field(index, absent_value());
+    }
+
+private:
+    /// The next field in declaration order is tried first; field_count when there is none of that name.
+    std::size_t index_of(const value_name& name) const noexcept
+    {
+        if (expected_ < field_count && table_.names[expected_] == name.text)
+            return name.suffix() == 0 ? expected_ : field_count;
+        for (std::size_t index = 0; index < field_count; ++index)
+            if (table_.names[index] == name.text)
+                return name.suffix() == 0 ? index : field_count;
+        return field_count;
+    }
+
+    void read_field(std::size_t wanted, const value_reader& value)
+    {
+        std::size_t index = 0;
+        for_each_field(table_, [&](const auto& row) {
+            if (index++ == wanted)
+                read_value(value, record_.*row.member);
+        });
+    }
+
+    const Table& table_;
+    Record& record_;
+    std::array<bool, field_count> seen_{};
+    std::size_t expected_ = 0;
+};
+
+} // namespace details
+
+/// Fills the record with the members of an object that is written as a whole: a field that the object lacks is read
+/// from a null, which a std::optional accepts and any other kind of field refuses. Of members with the same name the
+/// first counts; unknown members are ignored.
+/// \throws details::load_exception; the fields read before keep what was read
+template <typename Table, typename Record>
+void read_complete_record(const Table& table, const value_reader& object, Record& record)
+{
+    details::complete_reading reading(table, record);
+    object.visit_members([&reading](value_name name, const value_reader& value) { reading.take(name, value); });
+    reading.read_missing();
 }
 
 } // namespace girder::nsm

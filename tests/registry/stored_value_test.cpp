@@ -1,5 +1,5 @@
-#include "registry/date_text.h"
 #include "registry/stored_value.h"
+#include "serialisation/date_text.h"
 #include "serialisation/load_exception.h"
 #include "support/cases.h"
 
@@ -7,8 +7,8 @@
 
 namespace {
 
+using girder::nsm::parse_date;
 using girder::nsm::details::load_exception;
-using girder::registry_ex::parse_date;
 using girder::registry_ex::stored_value;
 namespace value_type = girder::registry_ex::value_type;
 

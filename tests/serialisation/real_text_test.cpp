@@ -1,5 +1,5 @@
 #include "base/utf.h"
-#include "registry/real_text.h"
+#include "serialisation/real_text.h"
 
 #include <gtest/gtest.h>
 
@@ -11,8 +11,8 @@
 
 namespace {
 
-using girder::registry_ex::parse_real;
-using girder::registry_ex::to_text;
+using girder::nsm::parse_real;
+using girder::nsm::to_text;
 
 TEST(real_text_test, is_written_like_this)
 {

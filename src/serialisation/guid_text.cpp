@@ -1,4 +1,4 @@
-#include "registry/guid_text.h"
+#include "serialisation/guid_text.h"
 
 #include "format/format.h"
 #include "format/literals.h"
@@ -7,7 +7,7 @@
 #include <array>
 #include <cstdint>
 
-namespace girder::registry_ex {
+namespace girder::nsm {
 namespace {
 
 using namespace fmtkit::literals;
@@ -26,7 +26,7 @@ constexpr std::u16string_view pattern = u"{hhhhhhhh-hhhh-hhhh-hhhh-hhhhhhhhhhhh}
 
 } // namespace
 
-std::u16string to_text(const nsm::guid& value)
+std::u16string to_text(const guid& value)
 {
     std::u16string text =
         fmtkit::format(u"{{{0b16w8arf0}-{1b16w4arf0}-{2b16w4arf0}-"_fmt, value.data1, value.data2, value.data3);
@@ -39,7 +39,7 @@ std::u16string to_text(const nsm::guid& value)
     return text;
 }
 
-std::optional<nsm::guid> parse_guid(std::u16string_view text)
+std::optional<guid> parse_guid(std::u16string_view text)
 {
     if (text.size() != pattern.size())
         return std::nullopt;
@@ -57,7 +57,7 @@ std::optional<nsm::guid> parse_guid(std::u16string_view text)
         bytes[digits / 2] = static_cast<std::uint8_t>(bytes[digits / 2] * 16U + *digit);
         ++digits;
     }
-    nsm::guid value;
+    guid value;
     for (std::size_t i = 0; i < 4; ++i)
         value.data1 = (value.data1 << 8) | bytes[i];
     value.data2 = static_cast<std::uint16_t>((bytes[4] << 8) | bytes[5]);
@@ -66,4 +66,4 @@ std::optional<nsm::guid> parse_guid(std::u16string_view text)
     return value;
 }
 
-} // namespace girder::registry_ex
+} // namespace girder::nsm

@@ -1,8 +1,8 @@
-#include "registry/date_text.h"
+#include "serialisation/date_text.h"
 
 #include <chrono>
 
-namespace girder::registry_ex {
+namespace girder::nsm {
 namespace {
 
 /// Takes fixed-width decimal fields and separators off the front of a text.
@@ -86,4 +86,4 @@ std::optional<file_time> parse_date(std::u16string_view text)
     return file_time{unix_epoch_ticks + seconds * ticks_per_second};
 }
 
-} // namespace girder::registry_ex
+} // namespace girder::nsm

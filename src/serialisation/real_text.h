@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-namespace girder::registry_ex {
+namespace girder::nsm {
 
 /// The shortest decimal text that reads back as the same value: "0.1", "1000", "1e+22", "-inf", "nan"; of a text with
 /// and one without an exponent that are equally long, the one without.
@@ -14,4 +14,4 @@ std::u16string to_text(float value);
 template <typename Real>
 std::optional<Real> parse_real(const std::u16string& text);
 
-} // namespace girder::registry_ex
+} // namespace girder::nsm

@@ -1,4 +1,4 @@
-#include "registry/real_text.h"
+#include "serialisation/real_text.h"
 
 #include "base/utf.h"
 
@@ -12,7 +12,7 @@
 #include <string_view>
 #include <system_error>
 
-namespace girder::registry_ex {
+namespace girder::nsm {
 namespace {
 
 template <typename Real>
@@ -145,4 +145,4 @@ std::optional<Real> parse_real(const std::u16string& text)
 template std::optional<double> parse_real(const std::u16string& text);
 template std::optional<float> parse_real(const std::u16string& text);
 
-} // namespace girder::registry_ex
+} // namespace girder::nsm

@@ -1,5 +1,5 @@
 #include "base/wide.h"
-#include "registry/guid_text.h"
+#include "serialisation/guid_text.h"
 
 #include <windows.h>
 
@@ -11,8 +11,8 @@
 
 namespace {
 
-using girder::registry_ex::parse_guid;
-using girder::registry_ex::to_text;
+using girder::nsm::parse_guid;
+using girder::nsm::to_text;
 
 TEST(guid_text_test, agrees_with_the_system)
 {

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <emmintrin.h>
+
+#include <bit>
+
+namespace girder::json {
+
+/// A stretch of a JSON text without quotes and backslashes.
+struct plain_stretch {
+    const char* end; ///< at the quote or backslash that ends it, or at the end of the text
+    bool ascii;
+};
+
+/// Looks at 16 bytes at a time, as every 64-bit processor of this family can (SSE2).
+inline plain_stretch scan_plain(const char* at, const char* end) noexcept
+{
+    constexpr int block = 16;
+    const __m128i quotes = _mm_set1_epi8('"');
+    const __m128i backslashes = _mm_set1_epi8('\\');
+    unsigned high_bits = 0;
+    while (end - at >= block) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
+        const __m128i found = _mm_or_si128(_mm_cmpeq_epi8(bytes, quotes), _mm_cmpeq_epi8(bytes, backslashes));
+        const auto stops = static_cast<unsigned>(_mm_movemask_epi8(found));
+        const auto high = static_cast<unsigned>(_mm_movemask_epi8(bytes));
+        if (stops != 0) {
+            const int length = std::countr_zero(stops);
+            high_bits |= high & ((1U << length) - 1);
+            return {.end = at + length, .ascii = high_bits == 0};
+        }
+        high_bits |= high;
+        at += block;
+    }
+    for (; at != end && *at != '"' && *at != '\\'; ++at)
+        high_bits |= static_cast<unsigned char>(*at) & 0x80U;
+    return {.end = at, .ascii = high_bits == 0};
+}
+
+} // namespace girder::json

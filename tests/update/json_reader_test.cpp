@@ -1,0 +1,303 @@
+#include "support/cases.h"
+#include "update/json_reader.h"
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <functional>
+
+namespace {
+
+using namespace girder;
+using girder::nsm::details::load_exception;
+using girder::nsm::details::text_position;
+using json::reader;
+using testing::ElementsAre;
+
+/// What reading ended with, empty when it was not refused.
+std::string refusal_of(const std::function<void()>& read)
+{
+    try {
+        read();
+        return {};
+    } catch (const load_exception& error) {
+        EXPECT_EQ(error.message(), std::u16string(error.what(), error.what() + std::string_view(error.what()).size()));
+        return error.what();
+    }
+}
+
+void read_everything(const reader& value)
+{
+    const std::uint32_t kinds = value.kinds();
+    if ((kinds & json::object_kind) != 0)
+        value.visit_members([](nsm::value_name, const nsm::value_reader& member) {
+            read_everything(dynamic_cast<const reader&>(member));
+        });
+    else if ((kinds & json::string_kind) != 0)
+        value.as_string();
+    else if ((kinds & json::array_or_blob_kind) != 0)
+        value.visit_elements(
+            [](const nsm::value_reader& element) { read_everything(dynamic_cast<const reader&>(element)); });
+    else if ((kinds & json::number_kind) != 0)
+        value.as_double();
+    else if ((kinds & json::boolean_kind) != 0)
+        value.as_boolean();
+}
+
+struct kind_case {
+    const char* name;
+    std::string_view text;
+    std::uint32_t kinds;
+};
+class kind_test : public testing::TestWithParam<kind_case> {};
+
+TEST_P(kind_test, follows_from_the_first_characters)
+{
+    EXPECT_EQ(reader(GetParam().text).kinds(), GetParam().kinds);
+}
+
+INSTANTIATE_TEST_SUITE_P(tokens, kind_test,
+                         testing::ValuesIn(std::vector<kind_case>{
+                             {"nothing", "", 0},
+                             {"null", " null", 0},
+                             {"end_of_an_array", "]", 0},
+                             {"boolean", "false", 0x081},
+                             {"boolean_not_yet_spelled_out", "t", 0x081},
+                             {"digit", "7", 0x082},
+                             {"minus", "-inf", 0x082},
+                             {"point", ".5", 0x082},
+                             {"hexadecimal", "\"0x1F\"", 0x082},
+                             {"hexadecimal_in_capitals", "\"0X1F\"", 0x082},
+                             {"braced_text", "\"{\"", 0x1AC},
+                             {"text", "\"0\"", 0x18C},
+                             {"array", "[", 0x088},
+                             {"object", "{", 0x090},
+                             {"behind_space_and_commas", " \t\r\n, ,true", 0x081},
+                         }),
+                         support::name_of_row);
+
+struct malformed_case {
+    const char* name;
+    std::string_view text;
+    text_position where;
+};
+class malformed_test : public testing::TestWithParam<malformed_case> {};
+
+TEST_P(malformed_test, is_refused_whether_read_or_skipped)
+{
+    const auto refused_at = [](const std::function<void()>& read) -> std::optional<text_position> {
+        try {
+            read();
+            return std::nullopt;
+        } catch (const load_exception& error) {
+            EXPECT_TRUE(std::string_view(error.what()).starts_with("bad json format ("));
+            return error.position();
+        }
+    };
+    const reader document(GetParam().text);
+    EXPECT_EQ(refused_at([&] { read_everything(document); }), GetParam().where);
+    EXPECT_EQ(refused_at([&] { document.expect_end(); }), GetParam().where);
+}
+
+INSTANTIATE_TEST_SUITE_P(texts, malformed_test,
+                         testing::ValuesIn(std::vector<malformed_case>{
+                             {"first_line_counts_from_0", "[1,2,?]", {1, 5}},
+                             {"other_lines_count_from_1", "[\n\n ?]", {3, 2}},
+                             {"form_feed", "[\f1]", {1, 1}},
+                             {"vertical_tab", "[1\v]", {1, 2}},
+                             {"half_of_null", "nul", {1, 0}},
+                             {"no_null", "[nil]", {1, 1}},
+                             {"no_true", "[trye]", {1, 1}},
+                             {"no_false", "[fals]", {1, 1}},
+                             {"infinity_without_sign", "[inf]", {1, 1}},
+                             {"plus", "[+1]", {1, 1}},
+                             {"minus_alone", "[-]", {1, 1}},
+                             {"point_alone", "[-.e1]", {1, 1}},
+                             {"two_points", "[1.2.3]", {1, 1}},
+                             {"empty_exponent", "[1e+]", {1, 1}},
+                             {"hexadecimal_without_quotes", "[0x1F]", {1, 1}},
+                             {"text_without_end", "[\"abc]", {1, 1}},
+                             {"text_ended_by_a_backslash", "\"abc\\", {1, 0}},
+                             {"text_of_a_quote_alone", "[\"", {1, 1}},
+                             {"name_without_quotes", "{a:1}", {1, 1}},
+                             {"name_without_colon", "{\"a\" 1}", {1, 5}},
+                             {"name_alone", "{\"a\"}", {1, 4}},
+                             {"comma_before_the_colon", "{\"a\",:1}", {1, 4}},
+                             {"no_value", "{\"a\":}", {1, 5}},
+                             {"no_value_at_the_end", "{\"a\":", {1, 5}},
+                         }),
+                         support::name_of_row);
+
+TEST(json_reader_test, ends_of_containers_are_alike)
+{
+    for (const std::string_view text : {"[1,[2],3]", "[1,[2},3}", "[1 [2} 3", "[,1,,[2]3,]"}) {
+        const reader document(text);
+        std::vector<std::uint64_t> numbers;
+        document.visit_elements([&](const nsm::value_reader& element) {
+            if (numbers.size() == 1)
+                element.visit_elements([&](const nsm::value_reader& inner) { numbers.push_back(inner.as_unsigned()); });
+            else
+                numbers.push_back(element.as_unsigned());
+        });
+        EXPECT_THAT(numbers, ElementsAre(1, 2, 3)) << text;
+        EXPECT_EQ(refusal_of([&] { document.expect_end(); }), "") << text;
+    }
+    EXPECT_EQ(refusal_of([] { reader("{} 1").expect_end(); }), "bad json format (1,3)");
+    EXPECT_EQ(refusal_of([] { reader("]").expect_end(); }), "bad json format (1,0)");
+}
+
+TEST(json_reader_test, nesting_ends_at_64)
+{
+    for (const std::string_view opening : {"[", "{\"a\":"}) {
+        std::string text;
+        for (int level = 0; level < 64; ++level)
+            text += opening;
+        const std::string deepest = text + (opening == "[" ? "" : "1");
+        EXPECT_EQ(refusal_of([&] { read_everything(reader(deepest)); }), "");
+        EXPECT_EQ(refusal_of([&] { reader(deepest).expect_end(); }), "");
+        const std::string deeper = text + "[";
+        const std::string error = "bad json format (1," + std::to_string(64 * opening.size()) + "): nested too deep";
+        EXPECT_EQ(refusal_of([&] { read_everything(reader(deeper)); }), error);
+        EXPECT_EQ(refusal_of([&] { reader(deeper).expect_end(); }), error);
+    }
+}
+
+TEST(json_reader_test, members_are_visited_in_order_and_skipped_exactly)
+{
+    const reader document(
+        R"({"a":{"x":["]",{"}":"\\"}],"y":-1.5e3},"b":"\"{[","c":[[],{}],"d\u0064\"":true, "a" : 2})");
+    std::vector<std::string> names;
+    document.visit_members([&](nsm::value_name name, const nsm::value_reader&) { names.emplace_back(name.text); });
+    EXPECT_THAT(names, ElementsAre("a", "b", "c", "dd\"", "a"));
+
+    EXPECT_EQ(document.find("b").as_string(), u"\"{[");
+    EXPECT_TRUE(document.find("dd\"").as_boolean());
+    EXPECT_EQ(document.find("a").find("y").as_double(), -1500);
+    EXPECT_EQ(document.find("a").kinds(), 0x090U) << "of two members with one name the first";
+    EXPECT_EQ(document.find("A").kinds(), 0U);
+}
+
+using read_function = void (*)(const reader&);
+constexpr read_function as_unsigned = [](const reader& value) { value.as_unsigned(); };
+constexpr read_function as_signed = [](const reader& value) { value.as_signed(); };
+constexpr read_function as_double = [](const reader& value) { value.as_double(); };
+constexpr read_function as_float = [](const reader& value) { value.as_float(); };
+constexpr read_function as_string = [](const reader& value) { value.as_string(); };
+constexpr read_function as_boolean = [](const reader& value) { value.as_boolean(); };
+constexpr read_function as_date = [](const reader& value) { value.as_date(); };
+constexpr read_function as_guid = [](const reader& value) { value.as_guid(); };
+constexpr read_function as_binary = [](const reader& value) { value.as_binary(); };
+constexpr read_function as_object = [](const reader& value) { value.visit_members({}); };
+constexpr read_function as_array = [](const reader& value) { value.visit_elements({}); };
+
+struct refused_case {
+    const char* name;
+    std::string_view text;
+    read_function read;
+    const char* error;
+};
+class refused_test : public testing::TestWithParam<refused_case> {};
+
+TEST_P(refused_test, says_what_was_expected)
+{
+    EXPECT_EQ(refusal_of([] { GetParam().read(reader(GetParam().text)); }), GetParam().error);
+}
+
+INSTANTIATE_TEST_SUITE_P(values, refused_test,
+                         testing::ValuesIn(std::vector<refused_case>{
+                             {"number_as_text", "1", as_string, "String expected"},
+                             {"null_as_text", "null", as_string, "String expected"},
+                             {"nothing_as_object", "", as_object, "Object expected"},
+                             {"array_as_object", "[]", as_object, "Object expected"},
+                             {"object_as_array", "{}", as_array, "Array expected"},
+                             {"text_as_array", "\"\"", as_array, "Array expected"},
+                             {"text_as_number", "\"1\"", as_unsigned, "Number expected"},
+                             {"fraction_as_integer", "1.5", as_unsigned, "Number expected"},
+                             {"exponent_as_integer", "1e2", as_signed, "Number expected"},
+                             {"negative_as_unsigned", "-1", as_unsigned, "Number expected"},
+                             {"above_64_bits", "18446744073709551616", as_unsigned, "Number expected"},
+                             {"above_63_bits", "9223372036854775808", as_signed, "Number expected"},
+                             {"hexadecimal_above_64_bits", "\"0x10000000000000000\"", as_unsigned, "Number expected"},
+                             {"hexadecimal_above_63_bits", "\"0x8000000000000000\"", as_signed, "Number expected"},
+                             {"no_hexadecimal_digits", "\"0x\"", as_unsigned, "Number expected"},
+                             {"more_than_hexadecimal", "\"0x1G\"", as_double, "Number expected"},
+                             {"hexadecimal_as_text", "\"0x1F\"", as_string, "String expected"},
+                             {"above_double", "1e400", as_double, "Number expected"},
+                             {"above_float", "1e39", as_float, "Number expected"},
+                             {"number_as_boolean", "1", as_boolean, "Boolean expected"},
+                             {"text_as_boolean", "\"true\"", as_boolean, "Boolean expected"},
+                             {"number_as_date", "1", as_date, "Date expected"},
+                             {"no_date", "\"2025-06-31T00:00:00\"", as_date, "Date expected"},
+                             {"text_as_guid", "\"CLSID\"", as_guid, "String expected"},
+                             {"no_guid", "\"{35B11BAB}\"", as_guid, "String expected"},
+                             {"array_as_bytes", "[1]", as_binary, "String expected"},
+                             {"one_digit_of_base64", "\"QUJDR\"", as_binary, "String expected"},
+                             {"padding_inside_base64", "\"QQ==QUI=\"", as_binary, "String expected"},
+                             {"too_much_padding", "\"QUJD=\"", as_binary, "String expected"},
+                             {"base64_for_urls", "\"-_-_\"", as_binary, "String expected"},
+                             {"unknown_escape", "\"a\\x41\"", as_string, "bad json format (1,2)"},
+                             {"short_code_unit", "\"\\u12\"", as_string, "bad json format (1,1)"},
+                             {"no_code_unit", "\"\\u12G4\"", as_string, "bad json format (1,1)"},
+                         }),
+                         support::name_of_row);
+
+struct text_case {
+    const char* name;
+    std::string_view text;
+    std::u16string_view expected;
+};
+class text_test : public testing::TestWithParam<text_case> {};
+
+TEST_P(text_test, is_resolved)
+{
+    EXPECT_EQ(reader(GetParam().text).as_string(), GetParam().expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(texts, text_test,
+                         testing::ValuesIn(std::vector<text_case>{
+                             {"empty", R"("")", u""},
+                             {"of_16_bytes", R"("0123456789abcdef" )", u"0123456789abcdef"},
+                             {"of_more", R"("the quick brown fox jumps over the dog")",
+                              u"the quick brown fox jumps over the dog"},
+                             {"beyond_ascii", "\"0123456789abc\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80\"",
+                              u"0123456789abc\u00E9 \u20AC \U0001F600"},
+                             {"ill_formed", "\"\xC3(\xFF\"", u"\uFFFD(\uFFFD"},
+                             {"every_escape", R"("\"\\\/\b\f\n\r\t")", u"\"\\/\b\f\n\r\t"},
+                             {"code_units", R"("\u00e9\u20AC\u0000x")", {u"\u00E9\u20AC\0x", 4}},
+                             {"pair", R"("\uD83D\uDE00")", u"\U0001F600"},
+                             {"halves", R"("\uD83D-\uDE00\uD83D\n\uD83D\uD83D\uDE00\uD83D")",
+                              u"\uFFFD-\uFFFD\uFFFD\n\uFFFD\U0001F600\uFFFD"},
+                             {"raw_control_characters", "\"\x01\n\"", u"\x01\n"},
+                         }),
+                         support::name_of_row);
+
+TEST(json_reader_test, numbers)
+{
+    EXPECT_EQ(reader("\"0x1F\"").as_unsigned(), 31U);
+    EXPECT_EQ(reader("\"0XfFfFfFfFfFfFfFfF\"").as_unsigned(), UINT64_MAX);
+    EXPECT_EQ(reader("\"0x10\"").as_double(), 16);
+    EXPECT_EQ(reader("18446744073709551615").as_unsigned(), UINT64_MAX);
+    EXPECT_EQ(reader("-9223372036854775808").as_signed(), INT64_MIN);
+    EXPECT_EQ(reader("007").as_signed(), 7);
+    EXPECT_EQ(reader(".5").as_double(), 0.5);
+    EXPECT_EQ(reader("-5.").as_float(), -5.0F);
+    EXPECT_DOUBLE_EQ(reader("6.02214076E+23").as_double(), 6.02214076e23);
+    EXPECT_DOUBLE_EQ(reader("1e-300").as_double(), 1e-300);
+    EXPECT_EQ(reader("-iNf").as_double(), -HUGE_VAL);
+    EXPECT_EQ(reader("-Infinity").as_float(), -HUGE_VALF);
+    EXPECT_TRUE(std::isnan(reader("-NaN").as_double()));
+}
+
+TEST(json_reader_test, dates_guids_and_bytes)
+{
+    const file_time noon{unix_epoch_ticks + 1'750'852'800 * ticks_per_second};
+    EXPECT_EQ(reader("\"2025-06-25T12:00:00\"").as_date(), noon);
+    EXPECT_EQ(reader("\"2025-06-25T14:00:00+0200\"").as_date(), noon);
+    EXPECT_EQ(reader("\"{00000001-0002-0003-0405-060708090A0b}\"").as_guid(),
+              (nsm::guid{1, 2, 3, {4, 5, 6, 7, 8, 9, 10, 11}}));
+    for (const std::string_view text : {"\"QUJDRA==\"", "\"QUJDRA\""})
+        EXPECT_EQ(reader(text).as_binary().size(), 4U);
+    EXPECT_EQ(reader("\"+/8=\"").as_binary(), (std::vector{std::byte{0xFB}, std::byte{0xFF}}));
+}
+
+} // namespace

@@ -1,0 +1,143 @@
+#include "serialisation/load_exception.h"
+#include "support/cases.h"
+#include "update/encoded_version.h"
+#include "update/manifest.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+using namespace tidelink;
+
+constexpr std::string_view digest_text = "00112233445566778899aAbBcCdDeEfF00112233445566778899aabbccddeeff";
+
+std::string whole_manifest()
+{
+    return R"({"LanguagePacks":[{"Locale":"de","Name":"Deutsch","Unknown":[{}],"Version":3,"ClientVersion":701001604,
+        "Credits":[{"Name":"A. B.","EMail":"a@b.example"},{"Name":"C","EMail":""}]}],
+        "Version":701011700, "Promo":{"Title":"[[[b New]]]","Url":"https://vendor.example/","ExpiresOn":"2025-06-25T23:59:59"},
+        "Installer":{"Url":"/setup.exe","Sha256":")" +
+           std::string(digest_text) + R"(","Size":268435456},"Version":1})";
+}
+
+TEST(manifest_test, every_member_in_any_order)
+{
+    const Manifest manifest = read_manifest(whole_manifest());
+    EXPECT_EQ(manifest.version, 701011700U) << "of two members with one name the first";
+    // 2025-06-25 is 155,038 days after 1601-01-01.
+    EXPECT_EQ(manifest.promo, (Promo{u"[[[b New]]]", u"https://vendor.example/", {155'038}}));
+    EXPECT_EQ(manifest.language_packs,
+              (std::vector{OfferedPack{u"Deutsch", u"de", 3, 701001604, {{u"A. B.", u"a@b.example"}, {u"C", u""}}}}));
+    sha256_digest digest;
+    for (unsigned i = 0; i < digest.bytes.size(); ++i)
+        digest.bytes[i] = static_cast<std::byte>(i % 16 * 0x11);
+    EXPECT_EQ(manifest.installer, (Installer{u"/setup.exe", digest, 268435456}));
+}
+
+TEST(manifest_test, only_the_version_is_required)
+{
+    const Manifest manifest = read_manifest(R"({"Version":1,"Promo":null})");
+    EXPECT_EQ(manifest.version, 1U);
+    EXPECT_FALSE(manifest.promo || manifest.language_packs || manifest.installer);
+    EXPECT_EQ(read_manifest(R"({"Version":0,"LanguagePacks":[]})").language_packs, std::vector<OfferedPack>{});
+}
+
+struct refused_case {
+    const char* name;
+    std::string text;
+    std::string error;
+};
+class manifest_refused_test : public testing::TestWithParam<refused_case> {};
+
+TEST_P(manifest_refused_test, says_why)
+{
+    try {
+        read_manifest(GetParam().text);
+        ADD_FAILURE() << "not refused";
+    } catch (const girder::nsm::details::load_exception& error) {
+        EXPECT_EQ(error.what(), GetParam().error);
+    }
+}
+
+std::string with_digest(const std::string& digest)
+{
+    return R"({"Version":1,"Installer":{"Url":"","Size":1,"Sha256":")" + digest + "\"}}";
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    manifests, manifest_refused_test,
+    testing::ValuesIn(std::vector<refused_case>{
+        {"empty", "", "Object expected"},
+        {"array", "[1]", "Object expected"},
+        {"web_page", "<html>", "bad json format (1,0)"},
+        {"more_than_one_value", "{\"Version\":1}{}", "bad json format (1,13)"},
+        {"no_version", "{\"version\":1}", "Number expected"},
+        {"version_as_text", R"({"Version":"1"})", "Number expected"},
+        {"version_above_32_bits", R"({"Version":4294967296})", "Number expected"},
+        {"promo_as_text", R"({"Version":1,"Promo":"x"})", "Object expected"},
+        {"promo_without_url", R"({"Version":1,"Promo":{"Title":"x","ExpiresOn":"2025-06-25T00:00:00"}})",
+         "String expected"},
+        {"promo_without_end", R"({"Version":1,"Promo":{"Title":"x","Url":"x"}})", "Date expected"},
+        {"promo_until_a_day", R"({"Version":1,"Promo":{"Title":"x","Url":"x","ExpiresOn":"2025-06-25"}})",
+         "Date expected"},
+        {"packs_as_object", R"({"Version":1,"LanguagePacks":{}})", "Array expected"},
+        {"pack_as_text", R"({"Version":1,"LanguagePacks":["de"]})", "Object expected"},
+        {"pack_without_credits",
+         R"({"Version":1,"LanguagePacks":[{"Name":"x","Locale":"x","Version":1,"ClientVersion":1}]})",
+         "Array expected"},
+        {"short_digest", with_digest("00"), "String expected"},
+        {"long_digest", with_digest(std::string(digest_text) + "00"), "String expected"},
+        {"digest_of_other_letters", with_digest(std::string(63, '0') + "g"), "String expected"},
+    }),
+    support::name_of_row);
+
+TEST(manifest_test, newer_means_greater)
+{
+    EXPECT_TRUE(is_newer(701001605, 701001604));
+    EXPECT_FALSE(is_newer(701001604, 701001604));
+    EXPECT_FALSE(is_newer(701001603, 701001604));
+    EXPECT_FALSE(is_newer(0, 0));
+}
+
+TEST(manifest_test, check_path)
+{
+    EXPECT_EQ(check_path(encode({7, 1, 0, 1604})), u"/dispatch/tps-server7/checkforupdates?ver=701001604");
+    EXPECT_EQ(check_path(encode({})), u"/dispatch/tps-server7/checkforupdates?ver=0");
+}
+
+TEST(encoded_version_test, decodes_part_by_part)
+{
+    EXPECT_EQ(decode(701011700), (girder::product_version{7, 1, 1, 1700}));
+    EXPECT_EQ(decode(encode({42, 94, 96, 7295})), (girder::product_version{42, 94, 96, 7295}));
+    EXPECT_EQ(decode(UINT32_MAX), (girder::product_version{42, 94, 96, 7295}));
+}
+
+struct address_case {
+    const char* name;
+    std::u16string_view url;
+    std::optional<std::u16string> address;
+};
+class address_test : public testing::TestWithParam<address_case> {};
+
+TEST_P(address_test, stays_on_https)
+{
+    EXPECT_EQ(address_below(u"https://updates.example", GetParam().url), GetParam().address);
+}
+
+INSTANTIATE_TEST_SUITE_P(addresses, address_test,
+                         testing::ValuesIn(std::vector<address_case>{
+                             {"on_the_host", u"/a/b.exe?c", u"https://updates.example/a/b.exe?c"},
+                             {"absolute", u"HTTPS://other.example/b.exe", u"HTTPS://other.example/b.exe"},
+                             {"http", u"http://other.example/b.exe", std::nullopt},
+                             {"file", u"file:///c:/b.exe", std::nullopt},
+                             {"empty", u"", std::nullopt},
+                             {"longer_host_name", u".other.example/b.exe", std::nullopt},
+                             {"host_as_user_name", u"@other.example/b.exe", std::nullopt},
+                             {"two_slashes", u"//other.example/b.exe", std::nullopt},
+                             {"backslash", u"/\\other.example/b.exe", std::nullopt},
+                         }),
+                         support::name_of_row);
+
+} // namespace
