@@ -1,31 +1,14 @@
 #include "async/resume.h"
 
-#include "async/srw_lock.h"
+#include "async/continuation.h"
 #include "base/unique_handle.h"
 #include "base/win32_error.h"
 
-#include <atomic>
-#include <functional>
-#include <optional>
 #include <utility>
 
 namespace girder {
 namespace details {
 namespace {
-
-/// Resumes an operation at most once, whoever asks first.
-class single_resumption {
-public:
-    explicit single_resumption(std::coroutine_handle<> operation) noexcept : operation_(operation) {}
-
-    /// \return whether the caller is the one to resume the operation, or to take its wait back
-    bool claim() noexcept { return !claimed_.exchange(true); }
-    void resume() const { operation_.resume(); }
-
-private:
-    std::coroutine_handle<> operation_;
-    std::atomic<bool> claimed_ = false;
-};
 
 FILETIME relative_due_time(timer_ticks delay) noexcept
 {
@@ -33,29 +16,15 @@ FILETIME relative_due_time(timer_ticks delay) noexcept
     return {.dwLowDateTime = static_cast<DWORD>(due), .dwHighDateTime = static_cast<DWORD>(due >> 32)};
 }
 
-struct timer_functions {
+/// How the operation that waits for an event is told of it.
+struct listener {
+    void (*on_end)(void* context, PTP_CALLBACK_INSTANCE call);
+    void* context;
+};
+
+struct timer_traits {
     using raw_type = PTP_TIMER;
-    using callback = PTP_TIMER_CALLBACK;
-    using target = timer_ticks;
-
     static constexpr raw_type empty() noexcept { return nullptr; }
-
-    static raw_type create(callback on_end, void* context)
-    {
-        const raw_type timer = ::CreateThreadpoolTimer(on_end, context, nullptr);
-        if (!timer)
-            throw_last_error("CreateThreadpoolTimer");
-        return timer;
-    }
-
-    static void start(raw_type timer, target delay) noexcept
-    {
-        FILETIME due = relative_due_time(delay);
-        ::SetThreadpoolTimer(timer, &due, 0, 0);
-    }
-
-    static void end_now(raw_type timer, target) noexcept { start(timer, timer_ticks{0}); }
-
     static void close(raw_type timer) noexcept
     {
         ::SetThreadpoolTimer(timer, nullptr, 0, 0);
@@ -64,29 +33,9 @@ struct timer_functions {
     }
 };
 
-struct wait_functions {
+struct wait_traits {
     using raw_type = PTP_WAIT;
-    using callback = PTP_WAIT_CALLBACK;
-    using target = HANDLE;
-
     static constexpr raw_type empty() noexcept { return nullptr; }
-
-    static raw_type create(callback on_end, void* context)
-    {
-        const raw_type wait = ::CreateThreadpoolWait(on_end, context, nullptr);
-        if (!wait)
-            throw_last_error("CreateThreadpoolWait");
-        return wait;
-    }
-
-    static void start(raw_type wait, target handle) noexcept { ::SetThreadpoolWait(wait, handle, nullptr); }
-
-    static void end_now(raw_type wait, target handle) noexcept
-    {
-        FILETIME at_once{};
-        ::SetThreadpoolWait(wait, handle, &at_once);
-    }
-
     static void close(raw_type wait) noexcept
     {
         ::SetThreadpoolWait(wait, nullptr, nullptr);
@@ -95,99 +44,76 @@ struct wait_functions {
     }
 };
 
+void tell(PTP_CALLBACK_INSTANCE call, void* context)
+{
+    const auto& waiting = *static_cast<const listener*>(context);
+    waiting.on_end(waiting.context, call);
+}
+
 } // namespace
 
-/// A wait of the thread pool that ends by itself or, at once, by a cancellation. `Pool` names the pool's functions.
-template <typename Pool>
-class pool_object {
+/// A one-shot timer.
+class timer_event {
 public:
-    pool_object(std::coroutine_handle<> operation, cancellation cancelled)
-        : resumption_(operation), object_(Pool::create(callback(), this)), cancelled_(std::move(cancelled))
-    {}
+    using target = timer_ticks;
+    using call = PTP_CALLBACK_INSTANCE;
 
-    void start(typename Pool::target target)
+    timer_event(void (*on_end)(void*, call), void* context)
+        : listener_{.on_end = on_end, .context = context},
+          timer_(
+              ::CreateThreadpoolTimer([](call each, void* self, PTP_TIMER) { tell(each, self); }, &listener_, nullptr))
     {
-        // Registered before the start, so that no request is missed; one that comes first is kept for the start.
-        on_cancel_.emplace(cancelled_, [this] { end_now(); });
-        const exclusive_lock guard(lock_);
-        target_ = target;
-        if (cancel_requested_)
-            Pool::end_now(object_.get(), target);
-        else
-            Pool::start(object_.get(), target);
+        if (!timer_)
+            throw_last_error("CreateThreadpoolTimer");
     }
 
-    /// Ends the wait: called by the operation when it has resumed, or by whoever destroys it before.
-    void close() noexcept
+    void start(timer_ticks delay) noexcept
     {
-        {
-            // The thread that suspended the operation may still be in start().
-            const exclusive_lock guard(lock_);
-        }
-        on_cancel_.reset();
-        resumption_.claim();
-        object_.reset();
+        FILETIME due = relative_due_time(delay);
+        ::SetThreadpoolTimer(timer_.get(), &due, 0, 0);
     }
+    void end_now(timer_ticks) noexcept { start(timer_ticks{0}); }
+    static void detach(call call) noexcept { ::DisassociateCurrentThreadFromCallback(call); }
 
 private:
-    static typename Pool::callback callback() noexcept
-    {
-        if constexpr (std::is_same_v<Pool, timer_functions>)
-            return [](PTP_CALLBACK_INSTANCE instance, void* self, PTP_TIMER) { on_end(instance, self); };
-        else
-            return [](PTP_CALLBACK_INSTANCE instance, void* self, PTP_WAIT, TP_WAIT_RESULT) { on_end(instance, self); };
-    }
-
-    static void on_end(PTP_CALLBACK_INSTANCE instance, void* self) noexcept
-    {
-        single_resumption& resumption = static_cast<pool_object*>(self)->resumption_;
-        if (!resumption.claim())
-            return;
-        // The operation closes the object while this callback runs, and closing waits for the object's callbacks.
-        ::DisassociateCurrentThreadFromCallback(instance);
-        resumption.resume();
-    }
-
-    void end_now() noexcept
-    {
-        const exclusive_lock guard(lock_);
-        cancel_requested_ = true;
-        if (target_)
-            Pool::end_now(object_.get(), *target_);
-    }
-
-    single_resumption resumption_;
-    SRWLOCK lock_ = SRWLOCK_INIT;
-    unique_handle<Pool> object_;
-    std::optional<typename Pool::target> target_;
-    bool cancel_requested_ = false;
-    cancellation cancelled_;
-    std::optional<std::stop_callback<std::function<void()>>> on_cancel_;
+    listener listener_;
+    unique_handle<timer_traits> timer_;
 };
 
-class pool_timer : public pool_object<timer_functions> {
-    using pool_object::pool_object;
-};
-
-class pool_wait : public pool_object<wait_functions> {
-    using pool_object::pool_object;
-};
-
-/// What travels to another thread instead of the operation itself, which may be gone when it arrives.
-class hand_off {
+/// A kernel object that gets signalled.
+class signal_event {
 public:
-    explicit hand_off(std::coroutine_handle<> operation) noexcept : resumption_(operation) {}
+    using target = HANDLE;
+    using call = PTP_CALLBACK_INSTANCE;
 
-    void arrive()
+    signal_event(void (*on_end)(void*, call), void* context)
+        : listener_{.on_end = on_end, .context = context},
+          wait_(::CreateThreadpoolWait([](call each, void* self, PTP_WAIT, TP_WAIT_RESULT) { tell(each, self); },
+                                       &listener_, nullptr))
     {
-        if (resumption_.claim())
-            resumption_.resume();
+        if (!wait_)
+            throw_last_error("CreateThreadpoolWait");
     }
 
-    void close() noexcept { resumption_.claim(); }
+    void start(HANDLE handle) noexcept { ::SetThreadpoolWait(wait_.get(), handle, nullptr); }
+    void end_now(HANDLE handle) noexcept
+    {
+        FILETIME at_once{};
+        ::SetThreadpoolWait(wait_.get(), handle, &at_once);
+    }
+    static void detach(call call) noexcept { ::DisassociateCurrentThreadFromCallback(call); }
 
 private:
-    single_resumption resumption_;
+    listener listener_;
+    unique_handle<wait_traits> wait_;
+};
+
+class pool_timer : public cancellable_wait<timer_event> {
+    using cancellable_wait::cancellable_wait;
+};
+
+class pool_wait : public cancellable_wait<signal_event> {
+    using cancellable_wait::cancellable_wait;
 };
 
 template <typename Wait>
@@ -238,7 +164,9 @@ void resume_on_signal::await_resume()
     throw_if_cancelled(cancelled_);
 }
 
-resume_background::resume_background() noexcept = default;
+resume_background::resume_background(cancellation cancelled) noexcept : cancelled_(std::move(cancelled))
+{}
+
 resume_background::~resume_background() = default;
 
 void resume_background::await_suspend(std::coroutine_handle<> operation)
@@ -256,14 +184,26 @@ void resume_background::await_suspend(std::coroutine_handle<> operation)
     [[maybe_unused]] const shared_hand_off* const carried = travelling.release();
 }
 
-resume_foreground::resume_foreground(ui_thread& thread) noexcept : thread_(thread)
+void resume_background::await_resume()
+{
+    throw_if_cancelled(cancelled_);
+}
+
+resume_foreground::resume_foreground(ui_thread& thread, cancellation cancelled) noexcept
+    : thread_(thread), cancelled_(std::move(cancelled))
 {}
+
 resume_foreground::~resume_foreground() = default;
 
 void resume_foreground::await_suspend(std::coroutine_handle<> operation)
 {
     wait_ = std::make_shared<details::hand_off>(operation);
     thread_.post([travelling = wait_] { travelling->arrive(); });
+}
+
+void resume_foreground::await_resume()
+{
+    throw_if_cancelled(cancelled_);
 }
 
 } // namespace girder

@@ -10,8 +10,8 @@
 #include <memory>
 
 // The four ways in which an operation lets go of its thread and continues later. Each is awaited at once, as in
-// `co_await resume_after(1s, cancelled);`, and resumes exactly once. Where a cancellation is given, a request for it
-// resumes the operation at once, with operation_cancelled.
+// `co_await resume_after(1s, cancelled);`, and resumes exactly once. A cancellation that was requested shows when the
+// operation resumes: as operation_cancelled. A request resumes an operation that waits for a delay or a signal at once.
 //
 // Destroying a suspended operation takes back what it waits for. That must not happen while the wait may end on another
 // thread at the same time: cancel such an operation and let it end instead.
@@ -79,31 +79,35 @@ private:
 };
 
 /// Resumes on a pool thread as soon as one is free (TrySubmitThreadpoolCallback).
-/// \throws system_error when the work cannot be submitted
+/// \throws system_error when the work cannot be submitted, operation_cancelled
 class resume_background : details::awaitable<details::hand_off> {
 public:
-    resume_background() noexcept;
+    explicit resume_background(cancellation cancelled = {}) noexcept;
     ~resume_background();
 
     bool await_ready() const noexcept { return false; }
     void await_suspend(std::coroutine_handle<> operation);
-    void await_resume() const noexcept {}
+    void await_resume();
+
+private:
+    cancellation cancelled_;
 };
 
 /// Resumes on the user-interface thread; continues at once when already there.
 /// \param thread  outlives the wait
-/// \throws system_error when nothing can be posted to the thread
+/// \throws system_error when nothing can be posted to the thread, operation_cancelled
 class resume_foreground : details::awaitable<details::hand_off> {
 public:
-    explicit resume_foreground(ui_thread& thread) noexcept;
+    explicit resume_foreground(ui_thread& thread, cancellation cancelled = {}) noexcept;
     ~resume_foreground();
 
     bool await_ready() const noexcept { return thread_.is_current(); }
     void await_suspend(std::coroutine_handle<> operation);
-    void await_resume() const noexcept {}
+    void await_resume();
 
 private:
     ui_thread& thread_;
+    cancellation cancelled_;
 };
 
 } // namespace girder
