@@ -7,12 +7,15 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 prefixes=$root/build/prefix
 wine=/usr/lib/wine/wine64
 wineserver=/usr/lib/wine/wineserver64
+# Raised with every change of the template; prefixes of an older recipe are made anew.
+recipe=2
 
 export WINEDEBUG=${WINEDEBUG:--all}
 export WINEDLLOVERRIDES="mscoree=;mshtml=;winemenubuilder.exe=${WINEDLLOVERRIDES:+;$WINEDLLOVERRIDES}"
 export WINEARCH=win64
-# Texts of the system follow the locale, and the C runtime of Wine understands POSIX zone names only.
-export LC_ALL=C
+# Texts of the system follow the locale, and so does how file names outside of ASCII are read; the C runtime of Wine
+# understands POSIX zone names only.
+export LC_ALL=C.UTF-8
 export TZ=${TIDELINK_ZONE:-CET-1CEST}
 # The folders of the user inside a prefix are links into the home folder.
 export HOME=$prefixes/home
@@ -31,19 +34,30 @@ wine_import() { # PREFIX
     rm -f "$script"
 }
 
+wine_is_complete() { # PREFIX
+    [ "$(cat "$1/complete" 2>/dev/null)" = "$recipe" ]
+}
+
 wine_make_template() {
     local template=$prefixes/template building=$prefixes/template.new
-    [ ! -e "$template/complete" ] || return 0
-    rm -rf "$building" && mkdir -p "$building" "$HOME"
+    ! wine_is_complete "$template" || return 0
+    rm -rf "$template" "$building" && mkdir -p "$building" "$HOME"
     WINEPREFIX=$building "$wine" wineboot -i >/dev/null 2>&1
     WINEPREFIX=$building "$wineserver" -w
-    cp /usr/share/wine/fonts/*.ttf "$building/drive_c/windows/Fonts/"
-    # Fonts: DirectWrite sees registered fonts only. Managed: without a window manager every closing window would wait
+    cp /usr/share/wine/fonts/*.ttf /usr/share/fonts/truetype/droid/DroidSansFallbackFull.ttf \
+        "$building/drive_c/windows/Fonts/"
+    # Fonts: DirectWrite sees registered fonts only. SystemLink: where the dialog font lacks a Chinese or Japanese character,
+    # "DroidSansFallbackFull.ttf,Droid Sans Fallback" has it. Managed: without a window manager every closing window would wait
     # two seconds for one. ShowCrashDialog: a crash must end the process, not wait for a click.
     wine_import "$building" <<'REG'
 [HKEY_LOCAL_MACHINE\Software\Microsoft\Windows NT\CurrentVersion\Fonts]
 "Tahoma (TrueType)"="tahoma.ttf"
 "Tahoma Bold (TrueType)"="tahomabd.ttf"
+"Droid Sans Fallback (TrueType)"="DroidSansFallbackFull.ttf"
+
+[HKEY_LOCAL_MACHINE\Software\Microsoft\Windows NT\CurrentVersion\FontLink\SystemLink]
+"Tahoma"=hex(7):44,72,6f,69,64,53,61,6e,73,46,61,6c,6c,62,61,63,6b,46,75,6c,6c,2e,74,74,66,2c,44,72,6f,69,64,20,53,61,6e,73,20,46,61,6c,6c,62,61,63,6b,00,00
+"Tahoma Bold"=hex(7):44,72,6f,69,64,53,61,6e,73,46,61,6c,6c,62,61,63,6b,46,75,6c,6c,2e,74,74,66,2c,44,72,6f,69,64,20,53,61,6e,73,20,46,61,6c,6c,62,61,63,6b,00,00
 
 [HKEY_CURRENT_USER\Software\Wine\X11 Driver]
 "Managed"="N"
@@ -52,7 +66,7 @@ wine_make_template() {
 "ShowCrashDialog"=dword:00000000
 REG
     wine_stop "$building"
-    touch "$building/complete"
+    echo "$recipe" >"$building/complete"
     mv "$building" "$template"
 }
 
@@ -62,7 +76,7 @@ wine_make_prefix() { # NAME GRAPHICS
     mkdir -p "$prefixes"
     exec 9>"$prefixes/lock"
     flock 9
-    if [ ! -e "$prefix/complete" ]; then
+    if ! wine_is_complete "$prefix"; then
         wine_make_template 9>&-
         rm -rf "$prefix"
         cp -al "$prefixes/template" "$prefix"
@@ -73,7 +87,7 @@ wine_make_prefix() { # NAME GRAPHICS
 "Graphics"="$graphics"
 REG
         wine_stop "$prefix" 9>&-
-        touch "$prefix/complete"
+        echo "$recipe" >"$prefix/complete"
     fi
     exec 9>&-
 }

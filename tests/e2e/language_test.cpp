@@ -1,0 +1,272 @@
+#include "base/utf.h"
+#include "base/wide.h"
+#include "fixture.h"
+
+#include <windows.h>
+
+#include <tlhelp32.h>
+#include <winternl.h>
+
+#include <filesystem>
+#include <fstream>
+#include <vector>
+
+namespace {
+
+using namespace e2e;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Pair;
+
+/// The program in a folder of its own, with a choice of the language packs that were built along with it.
+class language_test : public machine_test {
+protected:
+    void SetUp() override
+    {
+        machine_test::SetUp();
+        built_program_ = program_under_test;
+        folder_ = std::filesystem::temp_directory_path() / "tidelink languages";
+        std::filesystem::remove_all(folder_);
+        std::filesystem::create_directories(packs());
+        std::filesystem::copy_file(built_program_, folder_ / "tl_server_config.exe");
+        program_under_test = (folder_ / "tl_server_config.exe").u16string();
+    }
+
+    void TearDown() override
+    {
+        program_under_test = built_program_;
+        machine_test::TearDown();
+    }
+
+    std::filesystem::path packs() const { return folder_ / "languages"; }
+
+    /// Copies the pack of a locale, perhaps under another name.
+    std::filesystem::path add_pack(const std::u16string& locale, std::u16string name = {}) const
+    {
+        const auto built = std::filesystem::path(built_program_).parent_path() / "languages";
+        for (const auto& pack : std::filesystem::directory_iterator(built)) {
+            const std::u16string file = pack.path().filename().u16string();
+            if (!file.starts_with(locale + u"."))
+                continue;
+            const std::filesystem::path copy = packs() / (name.empty() ? file : name);
+            std::filesystem::copy_file(pack.path(), copy);
+            return copy;
+        }
+        ADD_FAILURE() << "no pack " << girder::to_utf8(locale);
+        return {};
+    }
+
+    static std::vector<std::string> languages_in(const utility& program)
+    {
+        const HWND combo = program.control(id::language).handle();
+        std::vector<std::string> names;
+        for (LRESULT i = 0; i < ui_driver::send(combo, CB_GETCOUNT); ++i) {
+            wchar_t name[80]{};
+            ui_driver::send(combo, CB_GETLBTEXT, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(name));
+            names.push_back(girder::to_utf8(girder::as_utf16(std::wstring_view(name))));
+        }
+        return names;
+    }
+
+    static LRESULT selected_in(const utility& program)
+    {
+        return ui_driver::send(program.control(id::language).handle(), CB_GETCURSEL);
+    }
+
+    static std::string apply_text(const ui_driver::dialog& window)
+    {
+        return girder::to_utf8(window.item(id::apply).text());
+    }
+
+    static std::string apply_text(const utility& program) { return apply_text(program.window()); }
+
+private:
+    std::u16string built_program_;
+    std::filesystem::path folder_;
+};
+
+TEST_F(language_test, the_stored_language_is_shown_and_selected_among_all_in_their_own_scripts)
+{
+    for (const char16_t* const locale : {u"de", u"ja", u"zh-cn"})
+        add_pack(locale);
+    settings_key::write(u"language", text(u"ja"));
+    const utility program;
+    EXPECT_EQ(apply_text(program), "適用");
+    EXPECT_EQ(girder::to_utf8(program.control(id::share_all).text()), "すべてのポートを共有する");
+    EXPECT_THAT(languages_in(program), testing::UnorderedElementsAre("English", "Deutsch", "日本語", "简体中文"));
+    EXPECT_EQ(languages_in(program)[static_cast<std::size_t>(selected_in(program))], "日本語");
+    EXPECT_FALSE(program.apply_enabled());
+    EXPECT_EQ(program.close(), 0U);
+}
+
+TEST_F(language_test, english_loads_no_pack_even_where_there_is_one_for_it)
+{
+    add_pack(u"de", u"en.Other English.1.lpack");
+    add_pack(u"de", u"EN.English in capitals.1.lpack");
+    settings_key::write(u"language", text(u"en"));
+    const utility program;
+    EXPECT_EQ(apply_text(program), "Apply");
+    EXPECT_EQ(program.close(), 0U);
+
+    settings_key::write(u"language", text(u"EN"));
+    EXPECT_EQ(apply_text(utility()), "Übernehmen");
+}
+
+TEST_F(language_test, a_language_whose_pack_is_gone_is_english_and_stays_stored)
+{
+    add_pack(u"de");
+    settings_key::write(u"language", text(u"fr"));
+    const utility program;
+    EXPECT_EQ(apply_text(program), "Apply");
+    EXPECT_EQ(selected_in(program), 0);
+    program.control(id::auto_discovery).click();
+    program.control(id::apply).click();
+    EXPECT_THAT(settings_key::read(), Contains(Pair(u"language", text(u"fr"))));
+}
+
+TEST_F(language_test, a_malformed_pack_is_listed_and_shows_english)
+{
+    const std::filesystem::path pack = add_pack(u"de");
+    std::filesystem::resize_file(pack, std::filesystem::file_size(pack) - 1);
+    settings_key::write(u"language", text(u"de"));
+    for (const bool cut : {true, false}) {
+        const utility program;
+        EXPECT_EQ(apply_text(program), "Apply");
+        EXPECT_THAT(languages_in(program), ElementsAre("English", "Deutsch"));
+        EXPECT_EQ(selected_in(program), 1);
+        EXPECT_EQ(program.close(), 0U);
+        if (cut)
+            std::ofstream(pack, std::ios::trunc); // empty now: it cannot even be mapped
+    }
+}
+
+TEST_F(language_test, a_pack_in_use_is_not_open_for_writing)
+{
+    const std::filesystem::path pack = add_pack(u"de");
+    settings_key::write(u"language", text(u"de"));
+    const utility program;
+    ASSERT_EQ(apply_text(program), "Übernehmen");
+    EXPECT_FALSE(std::ofstream(pack, std::ios::trunc).is_open()) << "it is mapped";
+}
+
+/// The processes that run this program now.
+std::vector<DWORD> running_copies()
+{
+    std::vector<DWORD> copies;
+    const girder::unique_file processes(::CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
+    PROCESSENTRY32W process{};
+    process.dwSize = sizeof process;
+    for (BOOL more = ::Process32FirstW(processes.get(), &process); more;
+         more = ::Process32NextW(processes.get(), &process))
+        if (std::wstring_view(static_cast<const wchar_t*>(process.szExeFile)) == L"tl_server_config.exe")
+            copies.push_back(process.th32ProcessID);
+    return copies;
+}
+
+/// Reads the command line where the system keeps it in that process.
+std::wstring command_line_of(DWORD process_id)
+{
+    const girder::unique_kernel_handle process(
+        ::OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, process_id));
+    const auto read = [&process](const void* from, auto& into) {
+        return ::ReadProcessMemory(process.get(), from, &into, sizeof into, nullptr) != FALSE;
+    };
+    const auto query = reinterpret_cast<decltype(::NtQueryInformationProcess)*>(
+        reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleW(L"ntdll.dll"), "NtQueryInformationProcess")));
+    PROCESS_BASIC_INFORMATION basics{};
+    PEB block{};
+    RTL_USER_PROCESS_PARAMETERS parameters{};
+    if (query(process.get(), ProcessBasicInformation, &basics, sizeof basics, nullptr) != 0 ||
+        !read(basics.PebBaseAddress, block) || !read(block.ProcessParameters, parameters))
+        return {};
+    std::wstring line(parameters.CommandLine.Length / sizeof(wchar_t), L'\0');
+    ::ReadProcessMemory(process.get(), parameters.CommandLine.Buffer, line.data(), parameters.CommandLine.Length,
+                        nullptr);
+    return line;
+}
+
+TEST_F(language_test, a_change_with_yes_applies_what_is_pending_and_starts_one_copy_with_the_same_command_line)
+{
+    add_pack(u"de");
+    const utility english;
+    ASSERT_EQ(apply_text(english), "Apply");
+    const std::wstring command_line = command_line_of(english.process_id());
+    ASSERT_THAT(command_line, testing::EndsWith(L"--handed to a restart"));
+    english.control(id::auto_discovery).click();
+    english.choose_language(1);
+    const ui_driver::dialog question = english.message(question_title);
+    EXPECT_EQ(utility::text_of(question),
+              "You need to restart Tidelink Port Server to apply language change. Do you want to restart now?");
+    utility::answer(question, id::yes);
+    EXPECT_EQ(english.exit_code(), 0U);
+
+    const ui_driver::dialog german = ui_driver::wait_for_dialog(main_window_title);
+    EXPECT_EQ(apply_text(german), "Übernehmen");
+    EXPECT_FALSE(german.item(id::apply).enabled());
+    EXPECT_FALSE(german.item(id::auto_discovery).checked());
+    EXPECT_THAT(settings_key::read(), ElementsAre(Pair(u"autoDiscovery", number(0)), Pair(u"language", text(u"de")),
+                                                  Pair(u"sharedPorts", ports({1, 3, 7, 10}))));
+    const std::vector<DWORD> copies = running_copies();
+    ASSERT_EQ(copies.size(), 1U);
+    EXPECT_EQ(command_line_of(copies[0]), command_line);
+    german.post_close();
+    german.wait_until_closed();
+    EXPECT_TRUE(ui_driver::eventually([] { return running_copies().empty(); }));
+}
+
+TEST_F(language_test, a_change_with_no_is_applied_later_and_the_same_language_again_asks_nothing)
+{
+    add_pack(u"de");
+    {
+        const utility program;
+        program.choose_language(1);
+        utility::answer(program.message(question_title), id::no);
+        EXPECT_TRUE(program.apply_enabled());
+        EXPECT_EQ(apply_text(program), "Apply") << "texts never change while the program runs";
+        // Unanswered, a question would hold this up.
+        const HWND combo = program.control(id::language).handle();
+        ui_driver::send(program.window().handle(), WM_COMMAND, MAKEWPARAM(id::language, CBN_SELCHANGE),
+                        reinterpret_cast<LPARAM>(combo));
+        EXPECT_THAT(settings_key::read(), IsEmpty());
+        program.control(id::apply).click();
+        EXPECT_THAT(settings_key::read(), Contains(Pair(u"language", text(u"de"))));
+        EXPECT_EQ(program.close(), 0U);
+    }
+    const utility german;
+    EXPECT_EQ(apply_text(german), "Übernehmen");
+    german.choose_language(0);
+    const ui_driver::dialog question = german.message(question_title);
+    EXPECT_EQ(girder::to_utf8(question.item(id::yes).text()), "Ja");
+    utility::answer(question, id::no);
+    german.control(id::apply).click();
+    EXPECT_THAT(settings_key::read(), Contains(Pair(u"language", text(u"en"))));
+}
+
+/// To be run for a user whose locale is de-DE.
+using german_user_test = language_test;
+
+TEST_F(german_user_test, starts_in_german_with_nothing_stored)
+{
+    add_pack(u"de");
+    add_pack(u"fr", u"de-DE.in capitals.1.lpack");
+    const utility program;
+    EXPECT_EQ(apply_text(program), "Übernehmen");
+    EXPECT_EQ(languages_in(program)[static_cast<std::size_t>(selected_in(program))], "Deutsch");
+    EXPECT_FALSE(program.apply_enabled());
+    EXPECT_THAT(settings_key::read(), IsEmpty());
+    program.control(id::auto_discovery).click();
+    program.control(id::apply).click();
+    EXPECT_THAT(settings_key::read(), Contains(Pair(u"language", text(u"de")))) << "stored with the next change";
+}
+
+TEST_F(german_user_test, a_stored_english_is_not_overruled)
+{
+    add_pack(u"de");
+    settings_key::write(u"language", text(u"en"));
+    const utility program;
+    EXPECT_EQ(apply_text(program), "Apply");
+    EXPECT_EQ(selected_in(program), 0);
+}
+
+} // namespace
