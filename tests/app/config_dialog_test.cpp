@@ -5,7 +5,6 @@
 #include "resource.h"
 #include "support/scratch_hive.h"
 #include "ui/controls.h"
-#include "ui/looks.h"
 
 #include <windows.h>
 
@@ -16,15 +15,6 @@ namespace {
 
 using namespace tidelink;
 
-/// The text made about 40 % longer by accented letters, as translations are.
-std::u16string longer(std::u16string text)
-{
-    const std::size_t extra = text.size() * 2 / 5 + 1;
-    for (std::size_t i = 0; i < extra; ++i)
-        text += i % 5 == 0 ? u' ' : u'ë';
-    return text;
-}
-
 class config_dialog_test : public testing::Test {
 protected:
     void SetUp() override
@@ -34,38 +24,11 @@ protected:
         dialog_.create();
     }
 
-    void change_dpi(UINT dpi)
-    {
-        RECT suggested = support::place_of(dialog_.window());
-        ::SendMessageW(dialog_.window(), WM_DPICHANGED, MAKEWPARAM(dpi, dpi), reinterpret_cast<LPARAM>(&suggested));
-    }
-
     support::scratch_hive hive_;
     girder::ui_thread thread_{messages().ui_return};
     restart_request restart_;
     ConfigDialog dialog_{thread_, restart_};
 };
-
-TEST_F(config_dialog_test, longer_texts_fit_at_every_dpi)
-{
-    for (const HWND child : support::children_of(dialog_.window())) {
-        const int id = ::GetDlgCtrlID(child);
-        if (id != IDC_STATUS && id != IDC_PORTS && id != IDC_LANGUAGE)
-            girder::ui::set_window_text(child, longer(girder::ui::window_text(child)));
-    }
-    for (const UINT dpi : {122U, 144U, 192U, 96U}) {
-        change_dpi(dpi);
-        support::expect_tidy(dialog_.window(), IDC_SETTINGS_FRAME);
-        for (const int id : {IDC_START, IDC_STOP, IDC_SHARE_ALL, IDC_SHARE_SELECTED, IDC_AUTO_DISCOVERY, IDC_SECURITY,
-                             IDC_ABOUT, IDOK, IDCANCEL, IDC_APPLY}) {
-            SIZE ideal{};
-            ::SendMessageW(dialog_.control(id), BCM_GETIDEALSIZE, 0, reinterpret_cast<LPARAM>(&ideal));
-            EXPECT_GE(support::size_of(dialog_.control(id)).cx, ideal.cx) << id << " at " << dpi;
-            EXPECT_GE(support::size_of(dialog_.control(id)).cy, support::drawn_size(dialog_.control(id), 0).cy)
-                << id << " at " << dpi;
-        }
-    }
-}
 
 TEST_F(config_dialog_test, a_command_by_the_registered_message_answers_1)
 {

@@ -1,0 +1,216 @@
+#include "app/config_dialog.h"
+#include "app/message_texts.h"
+#include "app/messages.h"
+#include "app/restart_request.h"
+#include "async/ui_thread.h"
+#include "base/program.h"
+#include "base/utf.h"
+#include "localisation/language_packs.h"
+#include "localisation/string_tables.h"
+#include "resource.h"
+#include "string_ids.h"
+#include "support/scratch_hive.h"
+#include "ui/controls.h"
+#include "ui/looks.h"
+#include "ui/message_box.h"
+#include "ui/modal_loop.h"
+
+#include <windows.h>
+
+#include <commctrl.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cctype>
+#include <map>
+#include <set>
+
+namespace {
+
+using namespace tidelink;
+using girder::ui::window_text;
+
+/// English, every language that is shipped, and the longer one that is made for tests.
+std::vector<std::u16string> all_languages()
+{
+    std::vector<std::u16string> locales{std::u16string(built_in_language)};
+    for (const LanguagePackInfo& pack : discoverPacks(folder_of(girder::program_path())))
+        locales.push_back(pack.locale);
+    return locales;
+}
+
+SIZE client_size(HWND control)
+{
+    RECT inside{};
+    ::GetClientRect(control, &inside);
+    return {.cx = inside.right, .cy = inside.bottom};
+}
+
+/// The widest entry of a closed drop-down list is seen whole.
+void expect_entries_fit(HWND combo)
+{
+    COMBOBOXINFO parts{};
+    parts.cbSize = sizeof parts;
+    ASSERT_TRUE(::GetComboBoxInfo(combo, &parts));
+    const LRESULT selected = ::SendMessageW(combo, CB_GETCURSEL, 0, 0);
+    for (LRESULT entry = 0; entry < ::SendMessageW(combo, CB_GETCOUNT, 0, 0); ++entry) {
+        ::SendMessageW(combo, CB_SETCURSEL, static_cast<WPARAM>(entry), 0);
+        EXPECT_GE(parts.rcItem.right - parts.rcItem.left, support::drawn_size(combo, DT_NOPREFIX).cx) << entry;
+    }
+    ::SendMessageW(combo, CB_SETCURSEL, static_cast<WPARAM>(selected), 0);
+}
+
+void expect_text_fits(HWND control)
+{
+    wchar_t name[32]{};
+    ::GetClassNameW(control, name, static_cast<int>(std::size(name)));
+    const std::wstring_view kind = name;
+    const LONG_PTR style = ::GetWindowLongPtrW(control, GWL_STYLE);
+    SIZE needed{};
+    if (kind == L"Button" && (style & BS_TYPEMASK) == BS_GROUPBOX) {
+        needed = {.cx = support::drawn_size(control, 0).cx, .cy = 0};
+    } else if (kind == L"Button") {
+        EXPECT_TRUE(Button_GetIdealSize(control, &needed));
+    } else if (kind == L"Static" && (style & SS_EDITCONTROL) != 0) {
+        needed = support::drawn_size(control, DT_WORDBREAK | DT_EDITCONTROL | DT_NOPREFIX, client_size(control).cx);
+    } else if (kind == L"Static" && (style & SS_TYPEMASK) != SS_ICON) {
+        needed = support::drawn_size(control, 0);
+    } else if (kind == L"Edit") {
+        needed = support::drawn_size(control, DT_NOPREFIX);
+    } else if (kind == L"ComboBox") {
+        expect_entries_fit(control);
+    }
+    const SIZE own = support::size_of(control);
+    EXPECT_GE(own.cx, needed.cx) << girder::to_utf8(window_text(control));
+    EXPECT_GE(own.cy, needed.cy) << girder::to_utf8(window_text(control));
+}
+
+void expect_unique_mnemonics(HWND dialog)
+{
+    std::map<char16_t, std::u16string> owners;
+    for (const HWND child : support::children_of(dialog)) {
+        const std::u16string text = window_text(child);
+        const std::size_t mark = text.find(u'&');
+        if (mark == std::u16string::npos || (::GetWindowLongPtrW(child, GWL_STYLE) & SS_NOPREFIX) != 0)
+            continue;
+        const wchar_t letter[] = {static_cast<wchar_t>(text.at(mark + 1)), L'\0'};
+        wchar_t upper[2]{};
+        ::LCMapStringEx(LOCALE_NAME_INVARIANT, LCMAP_UPPERCASE, letter, 1, upper, 2, nullptr, nullptr, 0);
+        const auto [owner, is_first] = owners.emplace(static_cast<char16_t>(upper[0]), text);
+        EXPECT_TRUE(is_first) << girder::to_utf8(owner->second) << " and " << girder::to_utf8(text);
+    }
+}
+
+/// Every control shows its text whole, none lies over another, none shares its mnemonic.
+void expect_fits(HWND dialog, int group = 0)
+{
+    support::expect_tidy(dialog, group);
+    expect_unique_mnemonics(dialog);
+    for (const HWND child : support::children_of(dialog))
+        expect_text_fits(child);
+}
+
+class language_fit_test : public testing::TestWithParam<std::u16string> {
+protected:
+    void SetUp() override
+    {
+        constexpr INITCOMMONCONTROLSEX classes{.dwSize = sizeof(INITCOMMONCONTROLSEX), .dwICC = ICC_LISTVIEW_CLASSES};
+        ::InitCommonControlsEx(&classes);
+        ServerSettings settings = DefaultServerSettings();
+        settings.language = GetParam();
+        SaveSettings(settings);
+        dialog_ = std::make_unique<ConfigDialog>(thread_, restart_);
+        dialog_->create();
+        ASSERT_EQ(text(string_id::apply) == u"Apply", GetParam() == built_in_language)
+            << "the texts are those of the pack";
+    }
+
+    HWND window() const { return dialog_->window(); }
+
+    void change_dpi(UINT dpi) const
+    {
+        RECT suggested{.left = 0, .top = 0, .right = 1, .bottom = 1};
+        ::SendMessageW(window(), WM_DPICHANGED, MAKEWPARAM(dpi, dpi), reinterpret_cast<LPARAM>(&suggested));
+    }
+
+    /// Lays the main dialog out for every scale, and looks at it.
+    void look_at_every_scale() const
+    {
+        for (const UINT dpi : {144U, 192U, 96U}) {
+            SCOPED_TRACE(dpi);
+            change_dpi(dpi);
+            expect_fits(window(), IDC_SETTINGS_FRAME);
+        }
+    }
+
+    void set_text(int control, std::u16string_view text) const
+    {
+        girder::ui::set_window_text(dialog_->control(control), text);
+    }
+
+private:
+    support::scratch_hive hive_;
+    girder::ui_thread thread_{messages().ui_return};
+    restart_request restart_;
+    std::unique_ptr<ConfigDialog> dialog_;
+};
+
+TEST_P(language_fit_test, main_dialog_in_each_of_its_states)
+{
+    look_at_every_scale();
+    set_text(IDC_START, text(string_id::install));
+    for (std::uint32_t status = 0; !item(string_id::service_status, status).empty(); ++status) {
+        set_text(IDC_STATUS, item(string_id::service_status, status));
+        look_at_every_scale();
+    }
+    for (std::uint32_t words = 0; !item(string_id::access_words, words).empty(); ++words) {
+        set_text(IDC_ACCESS_WORDS, item(string_id::access_words, words));
+        look_at_every_scale();
+    }
+}
+
+TEST_P(language_fit_test, message_boxes)
+{
+    using girder::ui::message_button;
+    const std::vector<std::vector<message_button>> choices = {
+        {{IDYES, text(string_id::yes)}, {IDNO, text(string_id::no)}},
+        {{IDABORT, text(string_id::abort)}, {IDRETRY, text(string_id::retry)}, {IDIGNORE, text(string_id::ignore)}},
+        {{IDCANCEL, text(string_id::cancel)},
+         {IDTRYAGAIN, text(string_id::try_again)},
+         {IDCONTINUE, text(string_id::continue_)}},
+        {{IDOK, text(string_id::ok)}},
+    };
+    for (const UINT dpi : {96U, 144U, 192U}) {
+        SCOPED_TRACE(dpi);
+        change_dpi(dpi);
+        for (const std::vector<message_button>& buttons : choices) {
+            bool seen = false;
+            const support::in_modal_loop look([&](HWND box) {
+                expect_fits(box);
+                seen = true;
+                ::PostMessageW(box, WM_COMMAND, static_cast<WPARAM>(buttons.front().id), 0);
+            });
+            girder::ui::show_message_box(window(), {.title = text(string_id::operation_error),
+                                                    .text = text(string_id::drop_absent_ports_and_share_all),
+                                                    .icon = girder::ui::message_icon::warning,
+                                                    .buttons = buttons,
+                                                    .check_box_text = text(string_id::do_not_display_again)});
+            EXPECT_TRUE(seen);
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(languages, language_fit_test, testing::ValuesIn(all_languages()), [](const auto& language) {
+    std::string name = girder::to_utf8(language.param);
+    std::ranges::replace_if(name, [](char character) { return std::isalnum(character) == 0; }, '_');
+    return name;
+});
+
+TEST(language_fit_test, has_all_languages)
+{
+    const std::vector<std::u16string> found = all_languages();
+    EXPECT_EQ(std::set(found.begin(), found.end()), (std::set<std::u16string>{u"de", u"en", u"es", u"fr", u"it", u"ja",
+                                                                              u"pl", u"pt-br", u"qps-ploc", u"zh-cn"}));
+}
+
+} // namespace
