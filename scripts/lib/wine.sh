@@ -47,7 +47,8 @@ wine_make_template() {
     cp /usr/share/wine/fonts/*.ttf /usr/share/fonts/truetype/droid/DroidSansFallbackFull.ttf \
         "$building/drive_c/windows/Fonts/"
     # Fonts: DirectWrite sees registered fonts only. SystemLink: where the dialog font lacks a Chinese or Japanese character,
-    # "DroidSansFallbackFull.ttf,Droid Sans Fallback" has it. Managed: without a window manager every closing window would wait
+    # "DroidSansFallbackFull.ttf,Droid Sans Fallback" has it. Uniscribe: the same for edit controls, by the tags of the
+    # scripts (Han, kana). Managed: without a window manager every closing window would wait
     # two seconds for one. ShowCrashDialog: a crash must end the process, not wait for a click.
     wine_import "$building" <<'REG'
 [HKEY_LOCAL_MACHINE\Software\Microsoft\Windows NT\CurrentVersion\Fonts]
@@ -58,6 +59,10 @@ wine_make_template() {
 [HKEY_LOCAL_MACHINE\Software\Microsoft\Windows NT\CurrentVersion\FontLink\SystemLink]
 "Tahoma"=hex(7):44,72,6f,69,64,53,61,6e,73,46,61,6c,6c,62,61,63,6b,46,75,6c,6c,2e,74,74,66,2c,44,72,6f,69,64,20,53,61,6e,73,20,46,61,6c,6c,62,61,63,6b,00,00
 "Tahoma Bold"=hex(7):44,72,6f,69,64,53,61,6e,73,46,61,6c,6c,62,61,63,6b,46,75,6c,6c,2e,74,74,66,2c,44,72,6f,69,64,20,53,61,6e,73,20,46,61,6c,6c,62,61,63,6b,00,00
+
+[HKEY_CURRENT_USER\Software\Wine\Uniscribe\Fallback]
+"696e6168"="Droid Sans Fallback"
+"616e616b"="Droid Sans Fallback"
 
 [HKEY_CURRENT_USER\Software\Wine\X11 Driver]
 "Managed"="N"
