@@ -2,6 +2,7 @@
 #include "app/message_texts.h"
 #include "app/messages.h"
 #include "app/restart_request.h"
+#include "app/wait_dialog.h"
 #include "async/ui_thread.h"
 #include "base/program.h"
 #include "base/utf.h"
@@ -133,16 +134,6 @@ protected:
         ::SendMessageW(window(), WM_DPICHANGED, MAKEWPARAM(dpi, dpi), reinterpret_cast<LPARAM>(&suggested));
     }
 
-    /// Lays the main dialog out for every scale, and looks at it.
-    void look_at_every_scale() const
-    {
-        for (const UINT dpi : {144U, 192U, 96U}) {
-            SCOPED_TRACE(dpi);
-            change_dpi(dpi);
-            expect_fits(window(), IDC_SETTINGS_FRAME);
-        }
-    }
-
     void set_text(int control, std::u16string_view text) const
     {
         girder::ui::set_window_text(dialog_->control(control), text);
@@ -155,17 +146,41 @@ private:
     std::unique_ptr<ConfigDialog> dialog_;
 };
 
+/// The items of a list, one after the other, and again from the first one on.
+std::u16string_view item_in_turn(std::uint32_t list, std::uint32_t turn)
+{
+    std::uint32_t count = 0;
+    while (!item(list, count).empty())
+        ++count;
+    return item(list, turn % count);
+}
+
 TEST_P(language_fit_test, main_dialog_in_each_of_its_states)
 {
-    look_at_every_scale();
-    set_text(IDC_START, text(string_id::install));
-    for (std::uint32_t status = 0; !item(string_id::service_status, status).empty(); ++status) {
-        set_text(IDC_STATUS, item(string_id::service_status, status));
-        look_at_every_scale();
+    constexpr std::uint32_t more_than_any_list_has = 12;
+    for (std::uint32_t turn = 0; turn < more_than_any_list_has; ++turn) {
+        set_text(IDC_START, text(turn % 2 == 0 ? string_id::start : string_id::install));
+        set_text(IDC_STATUS, item_in_turn(string_id::service_status, turn));
+        set_text(IDC_ACCESS_WORDS, item_in_turn(string_id::access_words, turn));
+        for (const UINT dpi : {144U, 192U, 96U}) {
+            SCOPED_TRACE(dpi);
+            change_dpi(dpi);
+            expect_fits(window(), IDC_SETTINGS_FRAME);
+        }
     }
-    for (std::uint32_t words = 0; !item(string_id::access_words, words).empty(); ++words) {
-        set_text(IDC_ACCESS_WORDS, item(string_id::access_words, words));
-        look_at_every_scale();
+}
+
+TEST_P(language_fit_test, wait_dialog)
+{
+    for (const UINT dpi : {144U, 192U, 96U}) {
+        SCOPED_TRACE(dpi);
+        change_dpi(dpi);
+        wait_dialog box({}, [] { return true; });
+        const support::in_modal_loop look([&](HWND shown) {
+            expect_fits(shown);
+            box.close();
+        });
+        box.show(window());
     }
 }
 
