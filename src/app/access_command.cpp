@@ -1,5 +1,6 @@
 #include "app/access_command.h"
 
+#include "app/error_log.h"
 #include "app/message_texts.h"
 #include "base/system_error.h"
 #include "format/compile.h"
@@ -12,6 +13,7 @@
 #include "string_ids.h"
 
 #include <cstdint>
+#include <exception>
 #include <optional>
 
 namespace tidelink {
@@ -60,6 +62,7 @@ std::optional<std::u16string> descriptor_to_edit(HWND owner, const std::u16strin
         ParseDescriptor(descriptor);
         return descriptor;
     } catch (const girder::system_error& error) {
+        log_error(std::current_exception());
         show_operation_error(owner, error_text(error));
     }
     if (!ask_yes_no(owner, text(string_id::security_title), text(string_id::start_from_default_list),

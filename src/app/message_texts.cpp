@@ -51,6 +51,8 @@ bool ask_yes_no(HWND owner, std::u16string_view title, std::u16string_view quest
 {
     const message_button answers[] = {{.id = IDYES, .text = text(string_id::yes)},
                                       {.id = IDNO, .text = text(string_id::no)}};
+    if (!::IsWindow(owner))
+        return false;
     return girder::ui::show_message_box(
                owner, {.title = title, .text = question, .icon = icon, .buttons = answers, .escape_button = IDNO})
                .button == IDYES;

@@ -23,7 +23,8 @@ void show_operation_error(HWND owner, std::u16string_view message);
 /// The box for an error that a command ended with. Where it cannot be built or shown, the system's own box tells so.
 void report_operation_error(HWND owner, const std::exception& error) noexcept;
 
-/// A question with Yes and No. \return whether Yes was pressed; Esc and the close box mean No
+/// A question with Yes and No. It is not asked where `owner` has been closed, such as under an earlier box.
+/// \return whether Yes was pressed; Esc and the close box mean No
 bool ask_yes_no(HWND owner, std::u16string_view title, std::u16string_view question, girder::ui::message_icon icon);
 
 } // namespace tidelink

@@ -22,6 +22,7 @@ namespace {
 
 using namespace tidelink;
 using support::editor_that_sets;
+using support::list_of;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -36,7 +37,11 @@ public:
     }
     box_answers(const box_answers&) = delete;
     box_answers& operator=(const box_answers&) = delete;
-    ~box_answers() { ::KillTimer(nullptr, timer_); }
+    ~box_answers()
+    {
+        ::KillTimer(nullptr, timer_);
+        present() = nullptr;
+    }
 
     std::vector<std::string> said;
 
@@ -63,7 +68,7 @@ private:
         std::vector<std::string>& said = present()->said;
         said.push_back(girder::to_utf8(girder::ui::window_text(::GetDlgItem(box, IDC_MESSAGE_TEXT))));
         const std::vector<int>& buttons = present()->buttons_;
-        const int button = said.size() <= buttons.size() ? buttons[said.size() - 1] : IDNO;
+        const int button = said.size() <= buttons.size() ? buttons[said.size() - 1] : IDCANCEL;
         ::SendMessageW(box, WM_COMMAND, MAKEWPARAM(button, BN_CLICKED), 0);
     }
 
@@ -105,7 +110,7 @@ INSTANTIATE_TEST_SUITE_P(descriptors, access_words_test,
                          })),
                          support::name_of_row);
 
-constexpr std::u16string_view administrators_alone = u"D:(A;;0xc0100000;;;BA)";
+constexpr std::u16string_view users_alone = u"D:(A;;0xc0100000;;;AU)";
 
 /// The main dialog over what is stored, with a scripted editor behind its Security button.
 class access_command_test : public testing::Test {
@@ -136,7 +141,7 @@ protected:
     std::string words() const { return girder::to_utf8(girder::ui::window_text(dialog_->control(IDC_ACCESS_WORDS))); }
 
     static std::u16string stored() { return LoadSettings().securityDescriptor; }
-    static std::string stored_list() { return support::notation_of(entries_of(ParseDescriptor(stored())).value()); }
+    static std::optional<access_list> stored_list() { return entries_of(ParseDescriptor(stored())); }
 
     support::scratch_hive hive_;
     girder::ui_thread thread_{messages().ui_return};
@@ -147,12 +152,11 @@ protected:
 
 TEST_F(access_command_test, cancel_changes_nothing)
 {
-    open(administrators_alone);
+    open(users_alone);
     set_editor(support::scripted_editor([](support::open_editor& editor) {
         EXPECT_EQ(editor.title, u"Tidelink Port Server Security");
         EXPECT_EQ(editor.right, u"Connect to server");
-        editor.shown.clear();
-        editor.apply();
+        editor.apply("");
         return false;
     }));
     press(IDC_SECURITY);
@@ -160,48 +164,47 @@ TEST_F(access_command_test, cancel_changes_nothing)
     EXPECT_FALSE(dirty());
     EXPECT_EQ(words(), "1 account or group");
     press(IDC_APPLY);
-    EXPECT_EQ(stored(), administrators_alone);
+    EXPECT_EQ(stored(), users_alone);
 }
 
 TEST_F(access_command_test, ok_without_a_change_is_a_change_that_apply_stores_with_the_service_first)
 {
-    open(administrators_alone);
+    open(users_alone);
     press(IDC_SECURITY);
     EXPECT_TRUE(dirty());
-    EXPECT_EQ(stored(), administrators_alone) << "not before Apply";
+    EXPECT_EQ(stored(), users_alone) << "not before Apply";
     press(IDC_APPLY);
     EXPECT_FALSE(dirty());
-    EXPECT_EQ(stored_list(), "+SU:c0100004 +BA");
+    EXPECT_EQ(stored_list(), list_of("own +AU"));
 }
 
 TEST_F(access_command_test, the_words_follow_each_edit_and_the_next_one_starts_from_the_last)
 {
-    open(administrators_alone);
-    set_editor(editor_that_sets("-u7:1 +BA:1 +BU:1"));
+    open(users_alone);
+    set_editor(editor_that_sets("-u7 +AU +u8"));
     press(IDC_SECURITY);
     EXPECT_EQ(words(), "2 accounts or groups, 1 denied");
     set_editor(support::scripted_editor([](support::open_editor& editor) {
-        EXPECT_EQ(support::notation_of(editor.shown), "-u7:1 +BA:1 +BU:1");
-        editor.shown.clear();
-        editor.apply();
+        EXPECT_EQ(editor.shown, list_of("-u7 +AU +u8", support::in_editor));
+        editor.apply("");
         return true;
     }));
     press(IDC_SECURITY);
     EXPECT_THAT(words(), HasSubstr("Warning"));
     press(IDC_APPLY);
-    EXPECT_EQ(stored_list(), "+SU:c0100004 -WD:c0000000");
+    EXPECT_EQ(stored_list(), list_of("own closed"));
 }
 
 TEST_F(access_command_test, an_editor_that_fails_is_reported_and_changes_nothing)
 {
-    open(administrators_alone);
+    open(users_alone);
     set_editor([](HWND, ISecurityInformation&) -> bool { girder::throw_win32(ERROR_MOD_NOT_FOUND, "LoadLibraryExW"); });
     const box_answers answers({IDOK});
     press(IDC_SECURITY);
     EXPECT_THAT(answers.said, ElementsAre(HasSubstr("0x0000007e")));
     EXPECT_FALSE(dirty());
     press(IDC_APPLY);
-    EXPECT_EQ(stored(), administrators_alone);
+    EXPECT_EQ(stored(), users_alone);
 }
 
 TEST_F(access_command_test, an_unreadable_list_stays_until_the_default_is_wanted)
@@ -219,7 +222,7 @@ TEST_F(access_command_test, an_unreadable_list_stays_until_the_default_is_wanted
     EXPECT_EQ(stored(), u"garbage");
 
     set_editor(support::scripted_editor([](support::open_editor& editor) {
-        EXPECT_EQ(support::notation_of(editor.shown), "+WD:1");
+        EXPECT_EQ(editor.shown, list_of("+WD", support::in_editor));
         return true;
     }));
     const box_answers answers({IDOK, IDYES});
@@ -227,7 +230,7 @@ TEST_F(access_command_test, an_unreadable_list_stays_until_the_default_is_wanted
     EXPECT_EQ(answers.said.size(), 2U);
     EXPECT_EQ(words(), "Everyone");
     press(IDC_APPLY);
-    EXPECT_EQ(stored_list(), "+SU:c0100004 +WD");
+    EXPECT_EQ(stored_list(), list_of("own +WD"));
 }
 
 TEST_F(access_command_test, losing_entries_that_the_editor_cannot_show_is_asked_once)
@@ -253,7 +256,7 @@ TEST_F(access_command_test, losing_entries_that_the_editor_cannot_show_is_asked_
     press(IDC_SECURITY);
     EXPECT_THAT(no_answers.said, IsEmpty());
     press(IDC_APPLY);
-    EXPECT_EQ(stored_list(), "+SU:c0100004 +WD");
+    EXPECT_EQ(stored_list(), list_of("own +WD"));
 }
 
 TEST_F(access_command_test, cancelling_the_editor_asks_nothing_about_lost_entries)
@@ -266,10 +269,24 @@ TEST_F(access_command_test, cancelling_the_editor_asks_nothing_about_lost_entrie
     EXPECT_FALSE(dirty());
 }
 
+TEST_F(access_command_test, nothing_is_asked_once_the_window_was_closed_under_the_editor)
+{
+    open(u"D:(A;;0xc0100004;;;AU)");
+    set_editor([](HWND owner, ISecurityInformation&) {
+        ::SendMessageW(owner, WM_CLOSE, 0, 0);
+        MSG quit{};
+        EXPECT_TRUE(::PeekMessageW(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
+        return true;
+    });
+    const box_answers answers({});
+    press(IDC_SECURITY);
+    EXPECT_THAT(answers.said, IsEmpty());
+}
+
 TEST_F(access_command_test, the_longest_warning_is_shown_whole_at_every_dpi)
 {
-    open(administrators_alone);
-    set_editor(editor_that_sets("-WD:1 +BA:1"));
+    open(users_alone);
+    set_editor(editor_that_sets("-WD +AU"));
     press(IDC_SECURITY);
     const HWND line = dialog_->control(IDC_ACCESS_WORDS);
     EXPECT_THAT(words(), HasSubstr("denied before"));

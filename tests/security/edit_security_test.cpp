@@ -1,111 +1,74 @@
 #include "base/system_error.h"
 #include "security/scripted_editor.h"
-#include "support/cases.h"
-
-#include <array>
 
 namespace {
 
 using namespace tidelink;
+using support::list_of;
 using support::open_editor;
 
-constexpr std::u16string_view default_sddl = u"D:(A;;0xc0100004;;;SU)(A;;0xc0100000;;;WD)";
-
-std::u16string edited(const std::u16string& sddl, const access_editor& editor)
+std::u16string edited(const access_editor& editor, const std::u16string& sddl)
 {
     return EditServerSecurity(nullptr, sddl, u"The object", u"Use it", editor);
 }
 
-struct person_case {
-    const char* name;
-    bool (*script)(open_editor&);
-    const char* stored; ///< empty: the result is empty
-};
-
-class edit_security_test : public testing::TestWithParam<person_case> {};
-
-TEST_P(edit_security_test, ends_in_the_list_to_store)
+/// The stored list after a person has edited the default one.
+template <typename Script>
+std::optional<access_list> edited_list(Script script)
 {
-    const std::u16string result = edited(std::u16string(default_sddl), support::scripted_editor(GetParam().script));
-    EXPECT_EQ(result.empty() ? "" : support::notation_of(*entries_of(ParseDescriptor(result))), GetParam().stored);
+    const std::u16string sddl = edited(support::scripted_editor(script), u"D:(A;;0xc0100004;;;SU)(A;;0xc0100000;;;WD)");
+    return sddl.empty() ? std::nullopt : entries_of(ParseDescriptor(sddl));
 }
 
-constexpr auto persons = std::to_array<person_case>({
-    {"ok_without_a_change",
-     [](open_editor& editor) {
-         EXPECT_EQ(support::notation_of(editor.shown), "+WD:1");
-         EXPECT_EQ(editor.title, u"The object");
-         EXPECT_EQ(editor.right, u"Use it");
-         return true;
-     },
-     "+SU:c0100004 +WD"},
-    {"granting_to_an_account_in_full",
-     [](open_editor& editor) {
-         editor.shown = support::list_of("+WD:1 +u7:1");
-         editor.apply();
-         return true;
-     },
-     "+SU:c0100004 +WD +u7"},
-    {"denying_everyone",
-     [](open_editor& editor) {
-         editor.shown = support::list_of("-WD:1");
-         editor.apply();
-         return true;
-     },
-     "+SU:c0100004 -WD"},
-    {"removing_every_entry",
-     [](open_editor& editor) {
-         editor.shown.clear();
-         editor.apply();
-         return true;
-     },
-     "+SU:c0100004 -WD:c0000000"},
-    {"of_two_applied_lists_the_last_counts",
-     [](open_editor& editor) {
-         editor.shown = support::list_of("+BA:1");
-         editor.apply();
-         editor.shown = support::list_of("-u7:1 +BU:1");
-         editor.apply();
-         return true;
-     },
-     "+SU:c0100004 -u7 +BU"},
-    {"cancel_after_apply_is_a_cancel",
-     [](open_editor& editor) {
-         editor.shown = support::list_of("+BA:1");
-         editor.apply();
-         return false;
-     },
-     ""},
-    {"reset_brings_back_what_was_applied_last",
-     [](open_editor& editor) {
-         editor.shown = support::list_of("+BA:1");
-         editor.apply();
-         editor.shown.clear();
-         editor.reset();
-         editor.apply();
-         return true;
-     },
-     "+SU:c0100004 +BA"},
-});
+TEST(edit_security_test, ok_without_a_change_gives_the_normalised_list)
+{
+    EXPECT_EQ(edited_list([](open_editor& editor) {
+                  EXPECT_EQ(editor.shown, list_of("+WD", support::in_editor));
+                  EXPECT_EQ(editor.title, u"The object");
+                  EXPECT_EQ(editor.right, u"Use it");
+                  return true;
+              }),
+              list_of("own +WD"));
+}
 
-INSTANTIATE_TEST_SUITE_P(persons, edit_security_test, testing::ValuesIn(persons), support::name_of_row);
+TEST(edit_security_test, what_was_applied_last_counts_when_the_editor_closes_with_ok)
+{
+    for (const auto& [applied, stored] : {std::pair("+WD +u7", "own +WD +u7"), std::pair("-WD", "own -WD"),
+                                          std::pair("", "own closed"), std::pair("-u7 +AU", "own -u7 +AU")})
+        for (const bool ok : {true, false})
+            EXPECT_EQ(edited_list([&](open_editor& editor) {
+                          editor.apply("+u9");
+                          editor.apply(applied);
+                          editor.reload(TRUE);
+                          EXPECT_EQ(editor.shown, list_of(applied, support::in_editor)) << "after a reset";
+                          return ok;
+                      }),
+                      ok ? std::optional(list_of(stored)) : std::nullopt)
+                << applied;
+}
 
-TEST(edit_server_security_test, a_string_that_cannot_be_parsed_does_not_open_the_editor)
+TEST(edit_security_test, a_string_that_cannot_be_parsed_does_not_open_the_editor)
 {
     bool opened = false;
     const access_editor editor = [&](HWND, ISecurityInformation&) { return opened = true; };
-    EXPECT_THROW(edited(u"garbage", editor), girder::system_error);
+    EXPECT_THROW(edited(editor, u"garbage"), girder::system_error);
     EXPECT_FALSE(opened);
 }
 
-TEST(edit_server_security_test, a_list_that_the_object_could_not_take_is_an_error)
+TEST(edit_security_test, a_list_that_could_not_be_taken_over_is_an_error_until_another_is_applied)
 {
-    const access_editor editor = [](HWND, ISecurityInformation& information) {
-        SECURITY_DESCRIPTOR unknown_revision{};
-        information.SetSecurity(DACL_SECURITY_INFORMATION, &unknown_revision);
+    SECURITY_DESCRIPTOR unknown_revision{};
+    const access_editor failing = [&](HWND, ISecurityInformation& information) {
+        EXPECT_EQ(information.SetSecurity(DACL_SECURITY_INFORMATION, &unknown_revision), S_OK);
         return true;
     };
-    EXPECT_THROW(edited(std::u16string(default_sddl), editor), girder::system_error);
+    EXPECT_THROW(edited(failing, u"D:"), girder::system_error);
+    EXPECT_NO_THROW(edited(
+        [&](HWND owner, ISecurityInformation& information) {
+            failing(owner, information);
+            return support::editor_that_sets("+AU")(owner, information);
+        },
+        u"D:"));
 }
 
 } // namespace

@@ -2,33 +2,51 @@
 #include "base/utf.h"
 #include "base/wide.h"
 #include "security/access_fixtures.h"
-#include "security/raw_list.h"
+#include "security/access_notation.h"
 #include "security/security_descriptor.h"
 #include "support/cases.h"
 #include "support/handle_count.h"
 #include "support/heap_use.h"
 
-#include <gtest/gtest.h>
 #include <sddl.h>
 
+#include <algorithm>
 #include <array>
 
 namespace {
 
 using namespace tidelink;
 using support::list_of;
-using support::notation_of;
 
-std::optional<std::string> notation_of_list(const security_descriptor& descriptor)
+/// A descriptor with these entries of any kind, its list written byte by byte.
+security_descriptor with_raw_list(const access_list& entries)
 {
-    const std::optional<access_list> entries = entries_of(descriptor);
-    return entries ? std::optional(notation_of(*entries)) : std::nullopt;
+    struct raw_entry {
+        ACE_HEADER header;
+        DWORD mask;
+        std::array<std::byte, service_sid.size()> rest; // the identity, or the further fields of an object entry
+    };
+    const auto size = static_cast<WORD>(sizeof(ACL) + entries.size() * sizeof(raw_entry));
+    girder::unique_local_memory memory{::LocalAlloc(LPTR, size)};
+    auto* const list = static_cast<ACL*>(memory.get());
+    *list = {.AclRevision = ACL_REVISION_DS,
+             .Sbz1 = 0,
+             .AclSize = size,
+             .AceCount = static_cast<WORD>(entries.size()),
+             .Sbz2 = 0};
+    auto* raw = reinterpret_cast<raw_entry*>(list + 1);
+    for (const access_entry& entry : entries) {
+        raw->header = {.AceType = static_cast<BYTE>(entry.kind), .AceFlags = entry.flags, .AceSize = sizeof *raw};
+        raw->mask = entry.mask;
+        std::ranges::copy(entry.sid, raw++->rest.begin());
+    }
+    return security_descriptor::with_list(std::move(memory));
 }
 
-/// What the descriptor's string describes, as the system reads it.
-std::optional<std::string> notation_by_string(const security_descriptor& descriptor)
+/// The list as the system reads it from the descriptor's string.
+std::optional<access_list> list_by_string(const security_descriptor& descriptor)
 {
-    return notation_of_list(ParseDescriptor(FormatDescriptor(descriptor).value()));
+    return entries_of(ParseDescriptor(FormatDescriptor(descriptor).value()));
 }
 
 template <typename Action>
@@ -42,64 +60,42 @@ std::uint32_t code_of_error(Action action)
     return 0;
 }
 
-security_descriptor with_list(std::string_view notation)
-{
-    return security_descriptor::with_list(support::raw_list(list_of(notation)));
-}
-
 class security_descriptor_test : public testing::TestWithParam<support::access_fixture> {};
 
 TEST_P(security_descriptor_test, is_read_shown_and_saved)
 {
-    const security_descriptor descriptor =
-        GetParam().stored ? with_list(*GetParam().stored) : ParseDescriptor(u"O:BAG:SY");
-    EXPECT_EQ(notation_of_list(descriptor), GetParam().stored);
-    const security_descriptor edited = ToEditorForm(descriptor);
-    EXPECT_EQ(notation_by_string(edited), GetParam().editor);
+    const auto& notation = GetParam().stored;
+    const security_descriptor stored = notation ? with_raw_list(list_of(*notation)) : ParseDescriptor(u"O:BAG:SY");
+    EXPECT_EQ(entries_of(stored), notation ? std::optional(list_of(*notation)) : std::nullopt);
+    const security_descriptor edited = ToEditorForm(stored);
+    EXPECT_EQ(list_by_string(edited), list_of(GetParam().editor, support::in_editor));
     const security_descriptor saved = FromEditorForm(edited);
-    EXPECT_EQ(notation_by_string(saved), GetParam().saved);
+    EXPECT_EQ(list_by_string(saved), list_of(GetParam().saved));
     EXPECT_EQ(FormatDescriptor(saved)->substr(0, 3), u"D:(") << "nothing but the list, and no control flags";
 }
 
-INSTANTIATE_TEST_SUITE_P(lists, security_descriptor_test, testing::ValuesIn(support::access_fixtures()),
+INSTANTIATE_TEST_SUITE_P(fixtures, security_descriptor_test, testing::ValuesIn(support::access_fixtures()),
                          support::name_of_row);
 
-struct string_case {
-    const char* name;
-    const char16_t* sddl;
-    const char* stored;
-    const char* saved;
-};
-
-class descriptor_string_test : public testing::TestWithParam<string_case> {};
-
-TEST_P(descriptor_string_test, is_parsed_and_saved)
+TEST(descriptor_test, strings_are_saved_with_nothing_but_the_two_kinds_of_entries)
 {
-    const security_descriptor descriptor = ParseDescriptor(GetParam().sddl);
-    EXPECT_EQ(notation_of_list(descriptor), GetParam().stored);
-    EXPECT_EQ(notation_by_string(FromEditorForm(ToEditorForm(descriptor))), GetParam().saved);
+    for (const auto& [stored, saved] :
+         {std::pair(u"O:BAG:SYD:P(A;;0xc0100000;;;BU)S:(AU;SAFA;GA;;;WD)", u"(A;;0xc0100000;;;BU)"),
+          std::pair(u"D:AI(D;OICIID;0xc0100000;;;S-1-5-21-1-2-3-9)(A;IO;GA;;;BA)",
+                    u"(D;OICIID;0xc0100000;;;S-1-5-21-1-2-3-9)(A;IO;0xc0100000;;;BA)"),
+          std::pair(u"D:(A;;FA;;;BA)(D;;GRGW;;;WD)", u"(D;;0xc0100000;;;WD)")}) {
+        const std::u16string expected = std::u16string(u"D:(A;;0xc0100004;;;SU)") + saved;
+        EXPECT_EQ(list_by_string(FromEditorForm(ToEditorForm(ParseDescriptor(stored)))),
+                  entries_of(ParseDescriptor(expected)))
+            << girder::to_utf8(stored);
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    strings, descriptor_string_test,
-    testing::ValuesIn(std::to_array<string_case>({
-        {"the_default", u"D:(A;;0xc0100004;;;SU)(A;;0xc0100000;;;WD)", "+SU:c0100004 +WD", "+SU:c0100004 +WD"},
-        {"an_empty_list", u"D:", "", "+SU:c0100004 -WD:c0000000"},
-        {"a_protected_list", u"D:P(A;;0xc0100000;;;BU)", "+BU", "+SU:c0100004 +BU"},
-        {"inherited_entries", u"D:AI(D;OICIID;0xc0100000;;;S-1-5-21-1-2-3-9)(A;IO;GA;;;BA)", "-u9/13 +BA:10000000/8",
-         "+SU:c0100004 -u9/13 +BA/8"},
-        {"names_of_rights", u"D:(A;;FA;;;BA)(D;;GRGW;;;WD)", "+BA:1f01ff -WD:c0000000", "+SU:c0100004 -WD"},
-        {"audit_entries_are_not_kept", u"D:(A;;0xc0100000;;;WD)S:(AU;SAFA;0xc0100000;;;WD)", "+WD", "+SU:c0100004 +WD"},
-    })),
-    support::name_of_row);
 
 TEST(descriptor_test, the_well_known_sids_are_the_systems)
 {
-    for (const auto& [text, sid] : {std::pair(L"S-1-5-6", service_sid), std::pair(L"S-1-1-0", everyone_sid)}) {
-        girder::unique_local_memory expected;
-        ASSERT_TRUE(::ConvertStringSidToSidW(text, expected.put()));
-        EXPECT_TRUE(::EqualSid(const_cast<std::byte*>(sid.data()), expected.get()));
-    }
+    const access_list entries = entries_of(ParseDescriptor(u"D:(A;;1;;;S-1-5-6)(A;;1;;;S-1-1-0)")).value();
+    EXPECT_TRUE(std::ranges::equal(entries[0].sid, service_sid));
+    EXPECT_TRUE(std::ranges::equal(entries[1].sid, everyone_sid));
 }
 
 TEST(descriptor_test, a_null_list_lets_everyone_in_and_is_empty_in_the_editor)
@@ -109,27 +105,19 @@ TEST(descriptor_test, a_null_list_lets_everyone_in_and_is_empty_in_the_editor)
     ::SetSecurityDescriptorDacl(&open, TRUE, nullptr, FALSE);
     const security_descriptor descriptor = security_descriptor::copy_of(&open);
     EXPECT_EQ(entries_of(descriptor), std::nullopt);
-    EXPECT_EQ(notation_of_list(ToEditorForm(descriptor)), "");
-    EXPECT_EQ(notation_of_list(FromEditorForm(descriptor)), "+SU:c0100004 -WD:c0000000");
+    EXPECT_EQ(entries_of(ToEditorForm(descriptor)), access_list());
+    EXPECT_EQ(entries_of(FromEditorForm(descriptor)), list_of("own closed"));
 }
 
 TEST(descriptor_test, a_copy_keeps_every_part_and_outlives_its_original)
 {
-    constexpr std::u16string_view whole = u"O:BAG:SYD:(A;;0xc0100000;;;WD)S:(AU;SAFA;0xc0100000;;;WD)";
-    security_descriptor copy;
-    {
-        const security_descriptor original = ParseDescriptor(std::u16string(whole));
-        const girder::unique_local_memory in_one_piece = self_relative_copy(original.get());
-        copy = security_descriptor::copy_of(in_one_piece.get());
-    }
-    EXPECT_EQ(girder::to_utf8(FormatDescriptor(copy).value()), girder::to_utf8(whole));
+    const std::u16string whole = u"O:BAG:SYD:(A;;0xc0100000;;;WD)S:(AU;SAFA;0xc0100000;;;WD)";
+    const security_descriptor copy =
+        security_descriptor::copy_of(self_relative_copy(ParseDescriptor(whole).get()).get());
+    EXPECT_EQ(FormatDescriptor(copy), whole);
     EXPECT_EQ(audit_entry_count(copy), 1U);
     EXPECT_EQ(audit_entry_count(ToEditorForm(copy)), 0U);
-}
-
-TEST(descriptor_test, without_a_descriptor_there_is_no_string)
-{
-    EXPECT_EQ(FormatDescriptor(security_descriptor()), std::nullopt);
+    EXPECT_EQ(FormatDescriptor(security_descriptor()), std::nullopt) << "without a descriptor there is no string";
 }
 
 TEST(descriptor_test, a_string_that_cannot_be_parsed_has_the_systems_code)
@@ -144,47 +132,40 @@ TEST(descriptor_test, a_string_that_cannot_be_parsed_has_the_systems_code)
     }
 }
 
-/// As many entries of 20 bytes as a list has room for.
-std::string full_list(std::string_view entry)
-{
-    constexpr std::size_t most = (0xFFFF - sizeof(ACL)) / 20;
-    std::string notation;
-    for (std::size_t i = 0; i < most; ++i)
-        notation += entry;
-    return notation;
-}
-
 TEST(descriptor_test, an_entry_that_does_not_fit_is_an_invalid_argument)
 {
-    const security_descriptor full = with_list(full_list("+WD:1 "));
+    constexpr std::size_t most = (0xFFFF - sizeof(ACL)) / 20;
+    const auto full = security_descriptor::with_entries(access_list(most, list_of("+WD:1")[0]));
+    EXPECT_EQ(entries_of(ToEditorForm(full))->size(), most);
     EXPECT_EQ(code_of_error([&] { FromEditorForm(full); }), static_cast<std::uint32_t>(E_INVALIDARG))
         << "there is no room for the service's entry";
-    EXPECT_EQ(entries_of(ToEditorForm(full))->size(), entries_of(full)->size());
 }
 
 TEST(descriptor_test, an_entry_whose_identity_is_cut_off_is_refused)
 {
-    girder::unique_local_memory list = support::raw_list(list_of("+WD"));
-    auto* const entry = reinterpret_cast<ACE_HEADER*>(static_cast<ACL*>(list.get()) + 1);
-    const security_descriptor descriptor = security_descriptor::with_list(std::move(list));
+    const security_descriptor descriptor = with_raw_list(list_of("+WD"));
+    BOOL present = FALSE;
+    BOOL defaulted = FALSE;
+    ACL* list = nullptr;
+    ASSERT_TRUE(::GetSecurityDescriptorDacl(descriptor.get(), &present, &list, &defaulted));
     for (const WORD size : {WORD{4}, WORD{8}, WORD{12}, WORD{16}}) {
-        entry->AceSize = size;
+        reinterpret_cast<ACE_HEADER*>(list + 1)->AceSize = size;
         EXPECT_NE(code_of_error([&] { entries_of(descriptor); }), 0U) << size;
     }
 }
 
 TEST(descriptor_test, five_hundred_translations_leave_nothing_behind)
 {
-    const auto translate_all = [] {
-        for (const support::access_fixture& fixture : support::access_fixtures())
-            FormatDescriptor(FromEditorForm(ToEditorForm(with_list(fixture.stored.value_or("")))));
-        ParseDescriptor(u"O:BAG:SYD:(A;;0xc0100000;;;WD)S:(AU;SAFA;GA;;;WD)");
+    const std::vector<support::access_fixture> fixtures = support::access_fixtures();
+    const auto translate_all = [&] {
+        for (const support::access_fixture& fixture : fixtures)
+            list_by_string(FromEditorForm(ToEditorForm(with_raw_list(list_of(fixture.stored.value_or(""))))));
         EXPECT_NE(code_of_error([] { ParseDescriptor(u"garbage"); }), 0U);
     };
     translate_all();
     const std::size_t memory = support::heap_use();
     const std::size_t handles = support::handle_count();
-    for (std::size_t done = 0; done < 500; done += support::access_fixtures().size())
+    for (std::size_t done = 0; done < 500; done += fixtures.size())
         translate_all();
     EXPECT_EQ(support::heap_use(), memory);
     EXPECT_EQ(support::handle_count(), handles);

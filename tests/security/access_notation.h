@@ -1,0 +1,71 @@
+#pragma once
+
+#include "security/access_entry.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <sstream>
+#include <string>
+
+namespace tidelink {
+
+inline void PrintTo(const access_entry& entry, std::ostream* out)
+{
+    *out << std::hex << "kind " << static_cast<int>(entry.kind) << ", flags " << static_cast<int>(entry.flags)
+         << ", mask " << entry.mask << ", identity " << testing::PrintToString(entry.sid);
+}
+
+} // namespace tidelink
+
+namespace support {
+
+/// What an access entry has in the editor.
+constexpr std::uint32_t in_editor = 1;
+
+/// The identity of a name in the notation below.
+inline std::vector<std::byte> identity_of(const std::string& name)
+{
+    static const std::map<std::string, std::pair<int, int>> well_known = {
+        {"SU", {5, 6}}, {"WD", {1, 0}}, {"AU", {5, 11}}};
+    const auto [authority, part] = name[0] == 'u' ? std::pair(9, std::stoi(name.substr(1))) : well_known.at(name);
+    const auto sid =
+        tidelink::detail::sid_of_one_part(static_cast<std::uint8_t>(authority), static_cast<std::uint8_t>(part));
+    return {sid.begin(), sid.end()};
+}
+
+inline tidelink::access_entry entry_of(const std::string& text, std::uint32_t usual_rights)
+{
+    using enum tidelink::access_kind;
+    const std::string who = text.substr(1, text.find_first_of(":/") - 1);
+    const auto number_behind = [&](char mark, std::uint32_t otherwise) {
+        const std::size_t at = text.find(mark);
+        return at == std::string::npos ? otherwise
+                                       : static_cast<std::uint32_t>(std::stoul(text.substr(at + 1), nullptr, 16));
+    };
+    const bool other = text[0] == '?';
+    return {.kind = other            ? tidelink::access_kind{static_cast<std::uint8_t>(std::stoi(who))}
+                    : text[0] == '+' ? allowed
+                                     : denied,
+            .flags = static_cast<std::uint8_t>(number_behind('/', 0)),
+            .mask = number_behind(':', usual_rights),
+            .sid = other ? std::vector<std::byte>() : identity_of(who)};
+}
+
+/// An access list from a short notation, one entry after the other: "+" allows, "-" denies, "?9" is another kind by its
+/// number; then who, ":" and the rights where they are not the usual ones, "/" and the flags where there are any. "SU",
+/// "WD" and "AU" are the system's own short names; "u7" is S-1-9-7, an account that does not exist. "own" is the
+/// service's own entry, "closed" the denial that closes a list without others.
+inline tidelink::access_list list_of(const std::string& notation, std::uint32_t usual_rights = 0xC0100000)
+{
+    tidelink::access_list list;
+    std::istringstream words(notation);
+    for (std::string word; words >> word;)
+        list.push_back(entry_of(word == "own"      ? "+SU:c0100004"
+                                : word == "closed" ? "-WD:c0000000"
+                                                   : word,
+                                usual_rights));
+    return list;
+}
+
+} // namespace support
