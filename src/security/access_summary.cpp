@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <span>
-#include <vector>
 
 namespace tidelink {
 namespace {
@@ -23,40 +22,24 @@ bool allows_another_than_the_service(const access_entry& entry)
     return is_about_connecting(entry) && entry.kind == access_kind::allowed && !is_about(entry, service_sid);
 }
 
-/// The entries before the first one for everyone.
-class listed_access {
-public:
-    void add(const access_entry& entry)
-    {
-        const auto same = [&](const access_entry* earlier) { return earlier->sid == entry.sid; };
-        if (std::ranges::any_of(decided_, same))
-            return;
-        decided_.push_back(&entry);
-        if (is_about(entry, service_sid))
-            service_ = entry.kind == access_kind::allowed;
-        else
-            ++(entry.kind == access_kind::allowed ? allowed_ : denied_);
-    }
+bool is_decided_by(std::span<const access_entry> earlier, const access_entry& entry)
+{
+    return std::ranges::any_of(
+        earlier, [&](const access_entry& each) { return is_about_connecting(each) && each.sid == entry.sid; });
+}
 
-    access_summary with_everyone_allowed() const { return {.reach = access_reach::everyone, .denied = denied_}; }
-
-    /// \param rest  the entries behind the denial
-    access_summary with_everyone_denied(std::span<const access_entry> rest) const
-    {
-        if (allowed_ > 0)
-            return {.reach = access_reach::listed, .allowed = allowed_, .denied = denied_};
-        if (!service_)
-            return {.reach = access_reach::nobody};
-        return {.reach = std::ranges::any_of(rest, allows_another_than_the_service) ? access_reach::denied_first
-                                                                                    : access_reach::nobody_but_service};
-    }
-
-private:
-    std::vector<const access_entry*> decided_;
-    std::size_t allowed_ = 0;
-    std::size_t denied_ = 0;
-    bool service_ = false;
-};
+/// \param listed   how many are allowed and denied before everyone is denied
+/// \param service  whether the service is allowed there
+/// \param rest     the entries behind that denial
+access_summary with_everyone_denied(access_summary listed, bool service, std::span<const access_entry> rest)
+{
+    if (listed.allowed > 0)
+        return listed;
+    if (!service)
+        return {.reach = access_reach::nobody};
+    return {.reach = std::ranges::any_of(rest, allows_another_than_the_service) ? access_reach::denied_first
+                                                                                : access_reach::nobody_but_service};
+}
 
 } // namespace
 
@@ -64,18 +47,23 @@ access_summary summarise(const std::optional<access_list>& stored)
 {
     if (!stored)
         return {.reach = access_reach::everyone};
-    listed_access listed;
-    for (auto entry = stored->begin(); entry != stored->end(); ++entry) {
-        if (!is_about_connecting(*entry))
+    const std::span<const access_entry> entries(*stored);
+    access_summary listed{.reach = access_reach::listed};
+    bool service = false;
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        const access_entry& entry = entries[i];
+        if (!is_about_connecting(entry) || is_decided_by(entries.first(i), entry))
             continue;
-        if (!is_about(*entry, everyone_sid))
-            listed.add(*entry);
-        else if (entry->kind == access_kind::allowed)
-            return listed.with_everyone_allowed();
+        const bool allows = entry.kind == access_kind::allowed;
+        if (is_about(entry, everyone_sid))
+            return allows ? access_summary{.reach = access_reach::everyone, .denied = listed.denied}
+                          : with_everyone_denied(listed, service, entries.subspan(i + 1));
+        if (is_about(entry, service_sid))
+            service = allows;
         else
-            return listed.with_everyone_denied({entry + 1, stored->end()});
+            ++(allows ? listed.allowed : listed.denied);
     }
-    return listed.with_everyone_denied({});
+    return with_everyone_denied(listed, service, {});
 }
 
 } // namespace tidelink

@@ -9,17 +9,6 @@ namespace {
 
 constexpr const wchar_t* full_control = L"Full Control";
 
-/// E_FAIL for what has no code of its own. To be called while an exception is handled.
-HRESULT result_of_exception() noexcept
-try {
-    throw;
-} catch (const girder::system_error& error) {
-    // HRESULTs pass through.
-    return HRESULT_FROM_WIN32(error.code());
-} catch (...) {
-    return E_FAIL;
-}
-
 } // namespace
 
 ServerSecurityInformation::ServerSecurityInformation(security_descriptor edited, std::u16string object_name,
@@ -80,8 +69,11 @@ try {
         return E_FAIL;
     *descriptor = self_relative_copy(edited_.get()).release();
     return S_OK;
+} catch (const girder::system_error& error) {
+    // HRESULTs pass through.
+    return HRESULT_FROM_WIN32(error.code());
 } catch (...) {
-    return result_of_exception();
+    return E_FAIL;
 }
 
 HRESULT ServerSecurityInformation::SetSecurity(SECURITY_INFORMATION given, PSECURITY_DESCRIPTOR descriptor) noexcept
