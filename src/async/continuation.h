@@ -6,6 +6,7 @@
 #include <atomic>
 #include <coroutine>
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <stop_token>
@@ -62,7 +63,7 @@ template <typename Event>
 class cancellable_wait {
 public:
     cancellable_wait(std::coroutine_handle<> operation, cancellation cancelled)
-        : continuation_(operation), cancelled_(std::move(cancelled)), event_(std::in_place, on_end, this)
+        : continuation_(operation), cancelled_(std::move(cancelled)), event_(std::make_unique<Event>(on_end, this))
     {}
     cancellable_wait(const cancellable_wait&) = delete;
     cancellable_wait& operator=(const cancellable_wait&) = delete;
@@ -116,7 +117,7 @@ private:
     std::optional<typename Event::target> target_;
     bool cancel_requested_ = false;
     cancellation cancelled_;
-    std::optional<Event> event_;
+    std::unique_ptr<Event> event_;
     std::optional<std::stop_callback<std::function<void()>>> on_cancel_;
 };
 

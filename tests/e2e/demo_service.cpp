@@ -1,12 +1,11 @@
 #include "demo_service.h"
 
+#include "processes.h"
 #include "ui_driver/polling.h"
 #include "ui_driver/window.h"
 #include "utility.h"
 
 #include <windows.h>
-
-#include <tlhelp32.h>
 
 #include <fstream>
 #include <sstream>
@@ -14,7 +13,6 @@
 
 namespace e2e {
 
-using girder::unique_kernel_handle;
 using girder::unique_service_handle;
 using ui_driver::eventually;
 using ui_driver::timed_out;
@@ -27,24 +25,6 @@ void remove_folder(const std::filesystem::path& folder)
     std::error_code error;
     if (!eventually([&] { return std::filesystem::remove_all(folder, error), !error; }))
         throw timed_out("the folder of the server stays");
-}
-
-/// Whatever the server's processes are doing: serving, installing or not even connected to the service manager.
-void end_servers()
-{
-    const girder::unique_file processes(::CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
-    PROCESSENTRY32W entry{};
-    entry.dwSize = sizeof entry;
-    for (BOOL more = ::Process32FirstW(processes.get(), &entry); more;
-         more = ::Process32NextW(processes.get(), &entry)) {
-        if (entry.szExeFile != std::wstring_view(L"tl_server.exe"))
-            continue;
-        const unique_kernel_handle process(::OpenProcess(PROCESS_TERMINATE | SYNCHRONIZE, FALSE, entry.th32ProcessID));
-        if (!process)
-            continue;
-        ::TerminateProcess(process.get(), 1);
-        ::WaitForSingleObject(process.get(), static_cast<DWORD>(ui_driver::patience.count()));
-    }
 }
 
 } // namespace
@@ -112,7 +92,8 @@ DWORD demo_service::state()
 
 void demo_service::remove()
 {
-    end_servers();
+    // Whatever they are doing: serving, installing or not even connected to the service manager.
+    end_processes(L"tl_server.exe");
     ::DeleteService(open_demo_service().get());
     if (!eventually([] { return !exists(); }))
         throw timed_out("the service stays");
