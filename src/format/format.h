@@ -46,14 +46,11 @@ void append(std::basic_string<typename decltype(Text)::character>& out, const li
             const Arguments&... arguments)
 {
     using renderer_type = details::literal_renderer<literal_format<Text>, decltype(details::typed(arguments))...>;
-    const renderer_type renderer(details::typed(arguments)...);
-    // Enough room is more than some results need: before a reused string grows, they are measured.
-    if (renderer.room() <= std::max(details::short_literal_result, out.capacity() - out.size())) {
-        renderer.append_to(out);
-    } else {
-        const std::array<argument, sizeof...(Arguments)> list{argument(arguments)...};
-        render(out, format, list);
-    }
+    if (renderer_type(details::typed(arguments)...).append_to(out))
+        return;
+    // Before the string grows, the result is measured: it may need less.
+    const std::array<argument, sizeof...(Arguments)> list{argument(arguments)...};
+    render(out, format, list);
 }
 
 /// The same into a new string.

@@ -286,10 +286,14 @@ Char* write_time(Char* out, std::basic_string_view<Char> format, const FormatIte
 {
     if ((item.flags & flag_time) == 0)
         return nullptr;
-    time_text text;
-    if (!text.write(time, pattern_of(item, format)))
-        return nullptr;
-    return write_text(out, text.view());
+    const std::basic_string_view<Char> pattern = pattern_of(item, format);
+    if constexpr (sizeof(Char) == 1) {
+        char16_t text[time_text_room];
+        const char16_t* const end = write_time_text(text, time, pattern);
+        return end ? write_text(out, std::u16string_view(text, end)) : nullptr;
+    } else {
+        return write_time_text(out, time, pattern);
+    }
 }
 
 template <typename Char>

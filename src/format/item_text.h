@@ -31,7 +31,7 @@ Char* write_argument(Char* out, std::basic_string_view<Char> format, const Forma
 
 /// Units that are enough for a time without its width.
 template <typename Char>
-inline constexpr std::size_t time_room = longest_time_text * (sizeof(Char) == 1 ? 3 : 1);
+inline constexpr std::size_t time_room = sizeof(Char) == 1 ? 3 * longest_time_text : time_text_room;
 
 /// Writes an argument that is a time, without the width rules.
 /// \return null when nothing is to be written, not even padding

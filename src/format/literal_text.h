@@ -83,25 +83,21 @@ public:
 
     explicit literal_renderer(const Values&... values) noexcept : values_(values...) {}
 
-    /// Units that are enough.
-    std::size_t room() const noexcept
-    {
-        return [&]<std::size_t... I>(std::index_sequence<I...>) {
-            return (std::size_t{0} + ... + room_of<I>());
-        }(std::make_index_sequence<Format::table.size()>());
-    }
-
-    void append_to(std::basic_string<character>& out) const
+    /// \return false, with nothing done, where the string may have to grow for a result that is not short
+    bool append_to(std::basic_string<character>& out) const
     {
         character buffer[short_literal_result];
         const std::size_t units = room();
-        character* const begin = units <= short_literal_result ? buffer : extend(out, units);
+        const bool is_in_place = units <= out.capacity() - out.size();
+        if (!is_in_place && units > short_literal_result)
+            return false;
+        character* const begin = is_in_place ? extend(out, units) : buffer;
         const character* const end = write(begin);
-        if (begin == buffer)
-            copy_text(extend(out, static_cast<std::size_t>(end - buffer)),
-                      text_view(buffer, static_cast<std::size_t>(end - buffer)));
-        else
+        if (is_in_place)
             out.resize(static_cast<std::size_t>(end - out.data()));
+        else
+            out.append(buffer, static_cast<std::size_t>(end - buffer));
+        return true;
     }
 
     std::basic_string<character> to_string() const
@@ -118,6 +114,14 @@ public:
     }
 
 private:
+    /// Units that are enough.
+    std::size_t room() const noexcept
+    {
+        return [&]<std::size_t... I>(std::index_sequence<I...>) {
+            return (std::size_t{0} + ... + room_of<I>());
+        }(std::make_index_sequence<Format::table.size()>());
+    }
+
     character* write(character* out) const
     {
         [&]<std::size_t... I>(std::index_sequence<I...>) {

@@ -26,35 +26,34 @@ std::int64_t seconds_as_utc(const std::tm& fields)
 constexpr int span_bits = 20;
 constexpr std::int64_t span_length = std::int64_t{1} << span_bits;
 
-/// Empty where it is not a number of minutes, or where the C runtime does not know the time.
-std::optional<int> distance_at(std::int64_t seconds)
+/// In seconds, east of Greenwich positive. Empty where the C runtime does not know the time.
+[[gnu::noinline]] std::optional<std::int64_t> distance_at(std::int64_t seconds)
 {
     std::tm local{};
     if (!to_local_time(seconds, local))
         return std::nullopt;
-    const std::int64_t distance = seconds_as_utc(local) - seconds;
-    return distance % 60 == 0 ? std::optional(static_cast<int>(distance / 60)) : std::nullopt;
+    return seconds_as_utc(local) - seconds;
 }
 
 /// What is known about a span: its number and the distance, in a form that one atomic write replaces.
 class known_span {
 public:
     known_span() = default;
-    explicit known_span(std::uint32_t number) : bits_((number + 1) << 16)
+    [[gnu::noinline]] explicit known_span(std::uint32_t number) : bits_((number + 1) << 16)
     {
         const std::int64_t begin = std::int64_t{number} << span_bits;
-        const std::optional<int> distance = distance_at(begin);
-        if (distance && distance == distance_at(begin + span_length / 2) &&
+        const std::optional<std::int64_t> distance = distance_at(begin);
+        if (distance && *distance % 60 == 0 && distance == distance_at(begin + span_length / 2) &&
             distance == distance_at(begin + span_length - 1))
-            bits_ |= static_cast<std::uint32_t>(*distance + bias);
+            bits_ |= static_cast<std::uint32_t>(*distance / 60 + bias);
     }
 
     bool is_of(std::uint32_t number) const { return bits_ >> 16 == number + 1; }
-    /// Empty where it changes within the span.
-    std::optional<int> distance() const
+    /// In seconds. Empty where it changes within the span or is not a number of minutes.
+    std::optional<std::int64_t> distance() const
     {
         const auto biased = static_cast<int>(bits_ & 0xFFFF);
-        return biased != 0 ? std::optional(biased - bias) : std::nullopt;
+        return biased != 0 ? std::optional<std::int64_t>((biased - bias) * 60) : std::nullopt;
     }
 
 private:
@@ -64,7 +63,7 @@ private:
 };
 
 /// \param seconds  not negative
-std::optional<int> kept_distance(std::int64_t seconds)
+std::optional<std::int64_t> kept_distance(std::int64_t seconds)
 {
     // More than sixty years, each span at its own place.
     static constinit std::array<std::atomic<known_span>, 2048> spans{};
@@ -113,17 +112,13 @@ bool get_local_fields(std::int64_t seconds, local_fields& local)
 {
     if (seconds < 0 || seconds > last_local_second)
         return false;
-    std::int64_t distance = 0;
-    if (const std::optional<int> kept = kept_distance(seconds)) {
-        distance = std::int64_t{*kept} * 60;
-    } else {
-        std::tm known{};
-        if (!to_local_time(seconds, known))
-            return false;
-        distance = seconds_as_utc(known) - seconds;
-    }
-    local.distance = static_cast<int>(distance / 60);
-    set_fields(local, seconds + distance);
+    std::optional<std::int64_t> distance = kept_distance(seconds);
+    if (!distance)
+        distance = distance_at(seconds);
+    if (!distance)
+        return false;
+    local.distance = static_cast<int>(*distance / 60);
+    set_fields(local, seconds + *distance);
     return true;
 }
 

@@ -6,6 +6,7 @@
 #include "format/number_text.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <cstring>
 #include <type_traits>
@@ -52,40 +53,46 @@ constexpr bool is_ascii(Char unit)
     return static_cast<std::make_unsigned_t<Char>>(unit) < 0x80;
 }
 
-} // namespace
+/// Writes a time conversion by conversion. Those without a limit of their own look at it themselves; the others end at
+/// most longest_conversion behind it.
+class time_writer {
+public:
+    time_writer(char16_t* out, std::int64_t seconds, const local_fields& local)
+        : next_(out), limit_(out + longest_time_text), seconds_(seconds), local_(local)
+    {}
 
-bool time_text::write(girder::file_time time, std::u16string_view pattern)
-{
-    return write_pattern(time, pattern);
-}
+    /// \return the end, at most at the limit
+    template <typename Char>
+    char16_t* expand(std::basic_string_view<Char> pattern);
 
-bool time_text::write(girder::file_time time, std::string_view pattern)
-{
-    return write_pattern(time, pattern);
-}
+private:
+    void convert(char16_t conversion);
+
+    void put(char16_t unit) { *next_++ = unit; }
+    void put_within_limit(std::u16string_view text);
+    /// Writes at least the first character of a pattern.
+    /// \return how much of the pattern was written
+    std::size_t put_text(std::u16string_view pattern);
+    std::size_t put_text(std::string_view pattern);
+    void number(std::uint64_t value);
+    void two_digits(int value);
+    void three_numbers(int first, char16_t separator, int second, int third);
+    void year(int value);
+    void zone_offset();
+    void system_text(char16_t conversion);
+
+    char16_t* next_;
+    char16_t* const limit_;
+    const std::int64_t seconds_; ///< since 1970-01-01 UTC
+    const local_fields& local_;
+};
 
 template <typename Char>
-bool time_text::write_pattern(girder::file_time time, std::basic_string_view<Char> pattern)
+char16_t* time_writer::expand(std::basic_string_view<Char> pattern)
 {
-    // Wraps for times near the ends of the scale, which are then out of range.
-    const auto since_epoch =
-        static_cast<std::int64_t>(static_cast<std::uint64_t>(time.ticks) - std::uint64_t{girder::unix_epoch_ticks});
-    seconds_ = since_epoch / girder::ticks_per_second;
-    if (!get_local_fields(seconds_, local_))
-        return false;
-    expand(pattern);
-    size_ = std::min(size_, longest_time_text);
-    return true;
-}
-
-template <typename Char>
-void time_text::expand(std::basic_string_view<Char> pattern)
-{
-    for (std::size_t i = 0; i < pattern.size() && size_ < longest_time_text; ++i) {
+    for (std::size_t i = 0; i < pattern.size() && next_ < limit_; ++i) {
         if (pattern[i] != Char('%') || i + 1 == pattern.size()) {
-            const std::size_t run = std::min(pattern.find(Char('%'), i + 1), pattern.size());
-            put_text(pattern.substr(i, run - i));
-            i = run - 1;
+            i += put_text(pattern.substr(i)) - 1;
             continue;
         }
         ++i;
@@ -98,53 +105,64 @@ void time_text::expand(std::basic_string_view<Char> pattern)
             --i;
         }
     }
+    return std::min(next_, limit_);
 }
 
-void time_text::put_text(std::u16string_view text)
+std::size_t time_writer::put_text(std::u16string_view pattern)
 {
-    const std::size_t size = std::min(text.size(), longest_time_text - std::min(size_, longest_time_text));
-    std::copy_n(text.data(), size, units_.data() + size_);
-    size_ += size;
+    put(pattern[0]);
+    return 1;
 }
 
-void time_text::put_text(std::string_view text)
+std::size_t time_writer::put_text(std::string_view pattern)
 {
+    const auto run = static_cast<std::size_t>(std::ranges::find_if(pattern, is_ascii<char>) - pattern.begin());
+    if (run == 0) {
+        put(static_cast<char16_t>(pattern[0]));
+        return 1;
+    }
     // As many bytes as the longest text can have.
     std::array<char16_t, 3 * longest_time_text> units;
-    const char16_t* const end = girder::write_utf16(units.data(), text.substr(0, units.size()));
-    put_text(std::u16string_view(units.data(), static_cast<std::size_t>(end - units.data())));
+    const char16_t* const end = girder::write_utf16(units.data(), pattern.substr(0, std::min(run, units.size())));
+    put_within_limit({units.data(), end});
+    return run;
 }
 
-void time_text::number(std::uint64_t value)
+void time_writer::put_within_limit(std::u16string_view text)
 {
-    size_ += decimal_size(value);
-    write_decimal_before(units_.data() + size_, value);
+    next_ = std::copy_n(text.data(), std::min(text.size(), static_cast<std::size_t>(limit_ - next_)), next_);
 }
 
-void time_text::two_digits(int value)
+void time_writer::number(std::uint64_t value)
 {
-    write_two_digits(units_.data() + size_, value);
-    size_ += 2;
+    next_ += decimal_size(value);
+    write_decimal_before(next_, value);
 }
 
-void time_text::three_numbers(int first, char16_t separator, int second, int third)
+void time_writer::two_digits(int value)
 {
-    char16_t* const out = units_.data() + size_;
+    write_two_digits(next_, value);
+    next_ += 2;
+}
+
+void time_writer::three_numbers(int first, char16_t separator, int second, int third)
+{
+    char16_t* const out = next_;
     write_two_digits(out, first);
     out[2] = separator;
     write_two_digits(out + 3, second);
     out[5] = separator;
     write_two_digits(out + 6, third);
-    size_ += 8;
+    next_ = out + 8;
 }
 
-void time_text::year(int value)
+void time_writer::year(int value)
 {
     two_digits(value / 100);
     two_digits(value % 100);
 }
 
-void time_text::zone_offset()
+void time_writer::zone_offset()
 {
     const int distance = std::abs(local_.distance);
     put(local_.distance < 0 ? u'-' : u'+');
@@ -152,16 +170,16 @@ void time_text::zone_offset()
     two_digits(distance % 60);
 }
 
-void time_text::system_text(char16_t conversion)
+void time_writer::system_text(char16_t conversion)
 {
     // The system wants to know about summer time.
     std::tm local{};
     std::array<char16_t, longest_system_text> text;
     if (to_local_time(seconds_, local))
-        put_text(std::u16string_view(text.data(), write_system_text(text, conversion, local)));
+        put_within_limit({text.data(), write_system_text(text, conversion, local)});
 }
 
-void time_text::convert(char16_t conversion)
+void time_writer::convert(char16_t conversion)
 {
     switch (conversion) {
     case u'%':
@@ -218,7 +236,7 @@ void time_text::convert(char16_t conversion)
     case u'e':
         two_digits(local_.day);
         if (local_.day < 10)
-            units_[size_ - 2] = u' ';
+            next_[-2] = u' ';
         break;
     case u'g':
         two_digits(iso_week_of(local_).year % 100);
@@ -269,6 +287,31 @@ void time_text::convert(char16_t conversion)
         put(conversion);
         break;
     }
+}
+
+template <typename Char>
+char16_t* write_by_pattern(char16_t* out, girder::file_time time, std::basic_string_view<Char> pattern)
+{
+    // Wraps for times near the ends of the scale, which are then out of range.
+    const auto since_epoch =
+        static_cast<std::int64_t>(static_cast<std::uint64_t>(time.ticks) - std::uint64_t{girder::unix_epoch_ticks});
+    const std::int64_t seconds = since_epoch / girder::ticks_per_second;
+    local_fields local;
+    if (!get_local_fields(seconds, local))
+        return nullptr;
+    return time_writer(out, seconds, local).expand(pattern);
+}
+
+} // namespace
+
+char16_t* write_time_text(char16_t* out, girder::file_time time, std::u16string_view pattern)
+{
+    return write_by_pattern(out, time, pattern);
+}
+
+char16_t* write_time_text(char16_t* out, girder::file_time time, std::string_view pattern)
+{
+    return write_by_pattern(out, time, pattern);
 }
 
 } // namespace fmtkit::details

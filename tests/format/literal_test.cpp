@@ -21,6 +21,9 @@ void expect_same_text(const Arguments&... arguments)
     auto appended = expected;
     fmtkit::append(appended, literal, arguments...);
     EXPECT_EQ(appended, expected + expected);
+    appended.reserve(5000); // no need to grow
+    fmtkit::append(appended, literal, arguments...);
+    EXPECT_EQ(appended, expected + expected + expected);
 }
 
 template <typename Number>

@@ -30,9 +30,10 @@ file_time at(std::int64_t seconds)
 
 std::u16string written(file_time time, std::u16string_view pattern)
 {
-    time_text text;
-    EXPECT_TRUE(text.write(time, pattern));
-    return std::u16string(text.view());
+    char16_t text[time_text_room];
+    char16_t* const end = write_time_text(text, time, pattern);
+    EXPECT_TRUE(end);
+    return {text, end ? end : text};
 }
 
 /// What is expected in the place that the environment names.
