@@ -28,7 +28,7 @@ endif()
 # For all of the program but what it does in large numbers.
 add_library(small_code INTERFACE)
 if(WIN32)
-    target_compile_options(small_code INTERFACE $<$<COMPILE_LANGUAGE:C,CXX>:-Os>)
+    target_compile_options(small_code INTERFACE $<$<COMPILE_LANGUAGE:C,CXX>:-Oz>)
 endif()
 
 # Applies to third-party code too: mixed instrumentation gives false reports.

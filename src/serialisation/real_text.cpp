@@ -1,12 +1,12 @@
 #include "serialisation/real_text.h"
 
 #include "base/utf.h"
+#include "serialisation/decimal_number.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstddef>
-#include <cstdio>
 #include <cstdlib>
 #include <limits>
 #include <string_view>
@@ -15,51 +15,7 @@
 namespace girder::nsm {
 namespace {
 
-template <typename Real>
-std::optional<Real> parse(std::string_view text)
-{
-    Real value = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc() || end != text.data() + text.size())
-        return std::nullopt;
-    return value;
-}
-
-/// digits[0].digits[1]digits[2]... times 10 to the exponent.
-struct decimal {
-    std::string digits;
-    int exponent = 0;
-};
-
-decimal rounded(double magnitude, int digit_count)
-{
-    char buffer[32];
-    const int length = std::snprintf(buffer, sizeof buffer, "%.*e", digit_count - 1, magnitude);
-    const std::string_view text(buffer, static_cast<std::size_t>(length));
-    const std::size_t e = text.find('e');
-    decimal number{.digits = std::string(text.substr(0, e)),
-                   .exponent = static_cast<int>(std::strtol(&buffer[e + 1], nullptr, 10))};
-    if (digit_count > 1)
-        number.digits.erase(1, 1);
-    return number;
-}
-
-/// The next larger number of as many digits.
-decimal next_larger(decimal number)
-{
-    std::size_t last = number.digits.find_last_not_of('9');
-    if (last == std::string::npos) {
-        ++number.exponent;
-        number.digits.insert(0, 1, '0');
-        number.digits.pop_back();
-        last = 0;
-    }
-    ++number.digits[last];
-    std::fill(number.digits.begin() + static_cast<std::ptrdiff_t>(last) + 1, number.digits.end(), '0');
-    return number;
-}
-
-std::string without_exponent(const decimal& number)
+std::string without_exponent(const decimal_number& number)
 {
     if (number.exponent < 0)
         return "0." + std::string(static_cast<std::size_t>(-number.exponent - 1), '0') + number.digits;
@@ -72,7 +28,7 @@ std::string without_exponent(const decimal& number)
     return text;
 }
 
-std::string with_exponent(const decimal& number)
+std::string with_exponent(const decimal_number& number)
 {
     std::string text = number.digits;
     if (text.size() > 1)
@@ -84,62 +40,95 @@ std::string with_exponent(const decimal& number)
     return text + std::to_string(magnitude);
 }
 
-std::string text_of(const decimal& number)
-{
-    const std::string plain = without_exponent(number);
-    const std::string scientific = with_exponent(number);
-    return plain.size() <= scientific.size() ? plain : scientific;
-}
-
-using read_back_check = bool (*)(const std::string& text, double value);
-
-template <typename Real>
-bool reads_back_as(const std::string& text, double value)
-{
-    return parse<Real>(text) == static_cast<Real>(value);
-}
-
-// std::to_chars would bring 170 KiB of tables along; some attempts at a text that is rarely written cost nothing.
-std::string shortest_text(double magnitude, read_back_check reads_back)
+std::string text_of(double magnitude, const real_format& format)
 {
     if (std::isnan(magnitude))
         return "nan";
     if (std::isinf(magnitude))
         return "inf";
-    for (int digits = 1;; ++digits) {
-        const decimal nearest = rounded(magnitude, digits);
-        std::string text = text_of(nearest);
-        if (digits == std::numeric_limits<double>::max_digits10 || reads_back(text, magnitude))
-            return text;
-        // Above a power of two, twice as many decimals read back as it than below: the nearest need not be among them.
-        text = text_of(next_larger(nearest));
-        if (reads_back(text, magnitude))
-            return text;
-    }
+    if (magnitude == 0)
+        return "0";
+    const decimal_number number = shortest_decimal(magnitude, format);
+    const std::string plain = without_exponent(number);
+    const std::string scientific = with_exponent(number);
+    return plain.size() <= scientific.size() ? plain : scientific;
 }
 
-std::u16string signed_text(double value, read_back_check reads_back)
+std::u16string signed_text(double value, const real_format& format)
 {
     const bool has_sign = std::signbit(value) && !std::isnan(value);
-    return to_utf16((has_sign ? "-" : "") + shortest_text(std::abs(value), reads_back));
+    return to_utf16((has_sign ? "-" : "") + text_of(std::abs(value), format));
+}
+
+/// Takes the decimal digits off the front of a text.
+std::string_view take_digits(std::string_view& text)
+{
+    const std::string_view digits = text.substr(0, text.find_first_not_of("0123456789"));
+    text.remove_prefix(digits.size());
+    return digits;
+}
+
+/// Empty when the text is no exponent, which an empty text is. \return 0 for an empty text
+std::optional<int> parse_exponent(std::string_view text)
+{
+    if (text.empty())
+        return 0;
+    if (text.front() != 'e' && text.front() != 'E')
+        return std::nullopt;
+    text.remove_prefix(1);
+    if (text.starts_with('+') && !text.starts_with("+-"))
+        text.remove_prefix(1);
+    int exponent = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), exponent);
+    if (error == std::errc::invalid_argument || end != text.data() + text.size())
+        return std::nullopt;
+    // Beyond the range of int it is beyond that of any number, too.
+    constexpr int beyond = std::numeric_limits<int>::max() / 2;
+    return error == std::errc() ? std::clamp(exponent, -beyond, beyond) : text.front() == '-' ? -beyond : beyond;
+}
+
+std::optional<double> parse_magnitude(std::string_view text, const real_format& format)
+{
+    if (text == "inf")
+        return std::numeric_limits<double>::infinity();
+    if (text == "nan")
+        return std::numeric_limits<double>::quiet_NaN();
+    std::string digits(take_digits(text));
+    std::size_t decimals = 0;
+    if (text.starts_with('.')) {
+        text.remove_prefix(1);
+        const std::string_view behind_point = take_digits(text);
+        digits += behind_point;
+        decimals = behind_point.size();
+    }
+    const std::optional<int> exponent = parse_exponent(text);
+    if (digits.empty() || !exponent)
+        return std::nullopt;
+    return nearest_real(digits, *exponent - static_cast<long long>(decimals), format);
 }
 
 } // namespace
 
 std::u16string to_text(double value)
 {
-    return signed_text(value, &reads_back_as<double>);
+    return signed_text(value, format_of<double>);
 }
 
 std::u16string to_text(float value)
 {
-    return signed_text(value, &reads_back_as<float>);
+    return signed_text(value, format_of<float>);
 }
 
 template <typename Real>
 std::optional<Real> parse_real(const std::u16string& text)
 {
-    return parse<Real>(to_utf8(text));
+    const std::string narrow = to_utf8(text);
+    const bool negative = narrow.starts_with('-');
+    const std::optional<double> magnitude =
+        parse_magnitude(std::string_view(narrow).substr(negative ? 1 : 0), format_of<Real>);
+    if (!magnitude)
+        return std::nullopt;
+    return static_cast<Real>(negative ? -*magnitude : *magnitude);
 }
 
 template std::optional<double> parse_real(const std::u16string& text);

@@ -59,4 +59,60 @@ TEST(real_text_test, powers_of_two_have_uneven_neighbours)
         expect_shortest(std::ldexp(1.0F, exponent));
 }
 
+/// The text as the standard library reads it, empty where it does not.
+template <typename Real>
+std::optional<Real> read_by_library(const std::string& text)
+{
+    Real value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error != std::errc() || end != text.data() + text.size())
+        return std::nullopt;
+    return value;
+}
+
+TEST(real_text_test, any_decimal_is_read_as_the_nearest_number)
+{
+    std::mt19937_64 random(11);
+    for (int i = 0; i < 3000; ++i) {
+        std::string text = std::to_string(random() >> (random() % 64));
+        text.insert(random() % (text.size() + 1), 1, '.');
+        text += 'e' + std::to_string(static_cast<int>(random() % 700) - 350);
+        EXPECT_EQ(parse_real<double>(girder::to_utf16(text)), read_by_library<double>(text)) << text;
+        EXPECT_EQ(parse_real<float>(girder::to_utf16(text)), read_by_library<float>(text)) << text;
+    }
+}
+
+TEST(real_text_test, borders_between_numbers_and_refused_texts)
+{
+    const std::string half_way = "9007199254740993"; // 2^53 + 1
+    for (const std::string& text : {half_way,
+                                    half_way + ".0",
+                                    half_way + '.' + std::string(900, '0') + '1',
+                                    half_way + '.' + std::string(9000, '0'),
+                                    std::string("2.4703282292062327e-324"),
+                                    std::string("2.4703282292062328e-324"),
+                                    std::string("4.9e-324"),
+                                    std::string("1.7976931348623158e308"),
+                                    std::string("1.7976931348623159e308"),
+                                    std::string("1e99999999999"),
+                                    std::string("1e-99999999999"),
+                                    std::string("0e99999999999"),
+                                    std::string("0.0000"),
+                                    std::string("."),
+                                    std::string("1e"),
+                                    std::string("1e+"),
+                                    std::string("1.e5"),
+                                    std::string(".5"),
+                                    std::string("+1"),
+                                    std::string("1e+-5"),
+                                    std::string(" 1"),
+                                    std::string("1 "),
+                                    std::string("0x10"),
+                                    std::string("-"),
+                                    std::string("--1"),
+                                    std::string(),
+                                    std::string("-.5E-3")})
+        EXPECT_EQ(parse_real<double>(girder::to_utf16(text)), read_by_library<double>(text)) << text;
+}
+
 } // namespace
