@@ -4,16 +4,6 @@
 #include "security/access_translation.h"
 #include "support/cases.h"
 
-namespace tidelink {
-
-void PrintTo(const access_summary& summary, std::ostream* out)
-{
-    *out << "reach " << static_cast<int>(summary.reach) << ", " << summary.allowed << " allowed, " << summary.denied
-         << " denied";
-}
-
-} // namespace tidelink
-
 namespace {
 
 using namespace tidelink;

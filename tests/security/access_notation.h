@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <map>
 #include <sstream>
 #include <string>
@@ -21,7 +22,7 @@ inline void PrintTo(const access_entry& entry, std::ostream* out)
 namespace support {
 
 /// What an access entry has in the editor.
-constexpr std::uint32_t in_editor = 1;
+constexpr unsigned in_editor = 1;
 
 /// The identity of a name in the notation below.
 inline std::vector<std::byte> identity_of(const std::string& name)
@@ -34,29 +35,25 @@ inline std::vector<std::byte> identity_of(const std::string& name)
     return {sid.begin(), sid.end()};
 }
 
-inline tidelink::access_entry entry_of(const std::string& text, std::uint32_t usual_rights)
+inline tidelink::access_entry entry_of(const std::string& text, unsigned rights)
 {
-    using enum tidelink::access_kind;
-    const std::string who = text.substr(1, text.find_first_of(":/") - 1);
-    const auto number_behind = [&](char mark, std::uint32_t otherwise) {
-        const std::size_t at = text.find(mark);
-        return at == std::string::npos ? otherwise
-                                       : static_cast<std::uint32_t>(std::stoul(text.substr(at + 1), nullptr, 16));
-    };
-    const bool other = text[0] == '?';
-    return {.kind = other            ? tidelink::access_kind{static_cast<std::uint8_t>(std::stoi(who))}
-                    : text[0] == '+' ? allowed
-                                     : denied,
-            .flags = static_cast<std::uint8_t>(number_behind('/', 0)),
-            .mask = number_behind(':', usual_rights),
-            .sid = other ? std::vector<std::byte>() : identity_of(who)};
+    char sign = 0;
+    char who[8] = {};
+    unsigned flags = 0;
+    if (std::sscanf(text.c_str(), "%c%7[^:/]:%x/%x", &sign, who, &rights, &flags) == 2)
+        std::sscanf(text.c_str(), "%*c%*[^/]/%x", &flags);
+    const int kind = sign == '?' ? std::stoi(who) : sign == '-';
+    return {.kind = tidelink::access_kind{static_cast<std::uint8_t>(kind)},
+            .flags = static_cast<std::uint8_t>(flags),
+            .mask = rights,
+            .sid = sign == '?' ? std::vector<std::byte>() : identity_of(who)};
 }
 
 /// An access list from a short notation, one entry after the other: "+" allows, "-" denies, "?9" is another kind by its
 /// number; then who, ":" and the rights where they are not the usual ones, "/" and the flags where there are any. "SU",
 /// "WD" and "AU" are the system's own short names; "u7" is S-1-9-7, an account that does not exist. "own" is the
 /// service's own entry, "closed" the denial that closes a list without others.
-inline tidelink::access_list list_of(const std::string& notation, std::uint32_t usual_rights = 0xC0100000)
+inline tidelink::access_list list_of(const std::string& notation, unsigned usual_rights = 0xC0100000)
 {
     tidelink::access_list list;
     std::istringstream words(notation);

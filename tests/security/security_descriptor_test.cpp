@@ -122,10 +122,10 @@ TEST(descriptor_test, a_copy_keeps_every_part_and_outlives_its_original)
 
 TEST(descriptor_test, a_string_that_cannot_be_parsed_has_the_systems_code)
 {
-    for (const std::u16string sddl :
+    for (const char16_t* const sddl :
          {u"garbage", u"D:(A;;0xc0100000;;;WD", u"D:(A;;0xc0100000;;;nobody)", u"D:(A;;;WD)"}) {
         girder::unique_local_memory parsed;
-        ASSERT_FALSE(::ConvertStringSecurityDescriptorToSecurityDescriptorW(girder::as_wide(sddl), SDDL_REVISION_1,
+        EXPECT_FALSE(::ConvertStringSecurityDescriptorToSecurityDescriptorW(girder::as_wide(sddl), SDDL_REVISION_1,
                                                                             parsed.put(), nullptr));
         const DWORD expected = ::GetLastError();
         EXPECT_EQ(code_of_error([&] { ParseDescriptor(sddl); }), expected) << girder::to_utf8(sddl);
