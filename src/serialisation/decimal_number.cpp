@@ -76,7 +76,7 @@ digit_source source_of(std::uint64_t mantissa, int exponent, const real_format& 
 int scale(digit_source& source, double value)
 {
     // May be one too low, never too high.
-    int exponent = static_cast<int>(std::ceil(std::log10(value) - 1e-10));
+    const int exponent = static_cast<int>(std::ceil(std::log10(value) - 1e-10));
     if (exponent >= 0) {
         source.divisor.scale_by_ten(static_cast<std::size_t>(exponent));
     } else {
@@ -119,8 +119,8 @@ shifted_integer quotient(big_number dividend, big_number divisor)
 /// The nearest number of the format, without its upper limit.
 double rounded(const shifted_integer& number, const real_format& format)
 {
-    const int dropped = std::max(static_cast<int>(std::bit_width(number.integer)) - format.mantissa_bits,
-                                 format.lowest_exponent + number.shift);
+    const int dropped = std::max({static_cast<int>(std::bit_width(number.integer)) - format.mantissa_bits,
+                                  format.lowest_exponent + number.shift, 1});
     if (dropped > static_cast<int>(std::bit_width(number.integer)))
         return 0;
     std::uint64_t kept = number.integer >> dropped;
