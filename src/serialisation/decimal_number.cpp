@@ -119,11 +119,12 @@ shifted_integer quotient(big_number dividend, big_number divisor)
 /// The nearest number of the format, without its upper limit.
 double rounded(const shifted_integer& number, const real_format& format)
 {
-    const int dropped = std::max({static_cast<int>(std::bit_width(number.integer)) - format.mantissa_bits,
-                                  format.lowest_exponent + number.shift, 1});
+    const int dropped = std::max(static_cast<int>(std::bit_width(number.integer)) - format.mantissa_bits,
+                                 format.lowest_exponent + number.shift);
     if (dropped > static_cast<int>(std::bit_width(number.integer)))
         return 0;
     std::uint64_t kept = number.integer >> dropped;
+    // A quotient has 61 bits and more, so that some are dropped. NOLINTNEXTLINE(clang-analyzer-core.BitwiseShift)
     const std::uint64_t half = std::uint64_t{1} << (dropped - 1);
     const std::uint64_t rest = number.integer & (2 * half - 1);
     if (rest > half || (rest == half && kept % 2 == 1))
