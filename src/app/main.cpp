@@ -1,5 +1,6 @@
 #include "app/com_apartment.h"
 #include "app/config_dialog.h"
+#include "app/corrections_mode.h"
 #include "app/message_hook.h"
 #include "app/messages.h"
 #include "app/relaunch.h"
@@ -50,6 +51,7 @@ int run_dialog(int show_command)
     restart_request restart;
     ConfigDialog dialog(thread, restart);
     register_common_controls();
+    const corrections_mode corrections(thread);
     dialog.create();
     ::ShowWindow(dialog.window(), show_command);
     int exit_code = 0;

@@ -184,6 +184,8 @@ bool dialog::dispatch(UINT message, WPARAM wparam, LPARAM lparam, LRESULT& resul
         return on_notify(*reinterpret_cast<const NMHDR*>(lparam), result);
     if (on_message(message, wparam, lparam, result))
         return true;
+    if (message == lay_out_again_message && layout_.dpi() != 0)
+        lay_out(layout_.dpi());
     return message == WM_DPICHANGED && change_dpi(LOWORD(wparam), *reinterpret_cast<const RECT*>(lparam));
 }
 

@@ -56,6 +56,9 @@ bool route_notification(Dialog& dialog, std::span<const notify_route<Dialog>> ro
     return false;
 }
 
+/// Sent to a dialog when its controls have other texts: it lays them out again. Nothing before it is laid out first.
+inline constexpr UINT lay_out_again_message = WM_APP;
+
 /// A dialog made from a template of the program's resources. Its procedure is the one place where messages enter and
 /// where exceptions are stopped: none leaves it into the system.
 ///

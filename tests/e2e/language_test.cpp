@@ -1,13 +1,12 @@
 #include "base/utf.h"
 #include "base/wide.h"
-#include "fixture.h"
+#include "program_folder.h"
 
 #include <windows.h>
 
 #include <tlhelp32.h>
 #include <winternl.h>
 
-#include <filesystem>
 #include <fstream>
 #include <vector>
 
@@ -19,33 +18,13 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
 
-/// The program in a folder of its own, with a choice of the language packs that were built along with it.
-class language_test : public machine_test {
+/// With a choice of the language packs that were built along with the program.
+class language_test : public program_folder_test {
 protected:
-    void SetUp() override
-    {
-        machine_test::SetUp();
-        built_program_ = program_under_test;
-        folder_ = std::filesystem::temp_directory_path() / "tidelink languages";
-        std::filesystem::remove_all(folder_);
-        std::filesystem::create_directories(packs());
-        std::filesystem::copy_file(built_program_, folder_ / "tl_server_config.exe");
-        program_under_test = (folder_ / "tl_server_config.exe").u16string();
-    }
-
-    void TearDown() override
-    {
-        program_under_test = built_program_;
-        machine_test::TearDown();
-    }
-
-    std::filesystem::path packs() const { return folder_ / "languages"; }
-
     /// Copies the pack of a locale, perhaps under another name.
     std::filesystem::path add_pack(const std::u16string& locale, std::u16string name = {}) const
     {
-        const auto built = std::filesystem::path(built_program_).parent_path() / "languages";
-        for (const auto& pack : std::filesystem::directory_iterator(built)) {
+        for (const auto& pack : std::filesystem::directory_iterator(built_packs())) {
             const std::u16string file = pack.path().filename().u16string();
             if (!file.starts_with(locale + u"."))
                 continue;
@@ -80,10 +59,6 @@ protected:
     }
 
     static std::string apply_text(const utility& program) { return apply_text(program.window()); }
-
-private:
-    std::u16string built_program_;
-    std::filesystem::path folder_;
 };
 
 TEST_F(language_test, the_stored_language_is_shown_and_selected_among_all_in_their_own_scripts)
