@@ -79,7 +79,7 @@ TEST(literal_test, conditions_and_times)
     }
     const girder::file_time time{girder::unix_epoch_ticks + 1'750'852'989 * girder::ticks_per_second};
     expect_same_text<u"{t(%FT%T%z)}|{0t(%x)w30ar}|{0}|{0t()}">(time);
-    expect_same_text<"{t(%FT%T%z)}|{0t(\303\244%\303\244%E\303\244%F)w30ar}">(time);
+    expect_same_text<"{t(%F %F %F %F %F)}|{0t(\303\244%\303\244%E\303\244%F)w30ar}">(time);
 }
 
 } // namespace
