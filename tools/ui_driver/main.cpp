@@ -2,7 +2,9 @@
 //
 //     ui_driver.exe wait               until the window is there, and brings it to the front
 //     ui_driver.exe ports              prints the port list, one row a line, and the share mode
-//     ui_driver.exe press ID           presses the button with that control id
+//     ui_driver.exe press ID           presses the button with that control id, and waits for the end of its command
+//     ui_driver.exe begin ID           the same without waiting
+//     ui_driver.exe service            prints the service's state and its two buttons
 //     ui_driver.exe share-only NUMBER  unchecks every port but that one, with the mouse
 //     ui_driver.exe close              closes the window and waits until it is gone
 
@@ -23,6 +25,9 @@ namespace {
 using namespace ui_driver;
 
 constexpr std::u16string_view main_window = u"Zelmark Tidelink Server Control";
+constexpr int service_status = 1001;
+constexpr int start_button = 1002;
+constexpr int stop_button = 1003;
 constexpr int share_all = 1005;
 constexpr int share_selected = 1006;
 constexpr int port_list = 1007;
@@ -53,6 +58,21 @@ void press(const dialog& window, arguments rest)
     window.item(static_cast<int>(number(rest[0]))).click();
 }
 
+void begin(const dialog& window, arguments rest)
+{
+    window.item(static_cast<int>(number(rest[0]))).post_click();
+}
+
+void print_service(const dialog& window, arguments)
+{
+    std::cout << girder::to_utf8(window.item(service_status).text());
+    for (const int id : {start_button, stop_button}) {
+        const control button = window.item(id);
+        std::cout << "  [" << girder::to_utf8(button.text()) << (button.enabled() ? "]" : "] (disabled)");
+    }
+    std::cout << '\n';
+}
+
 void share_only(const dialog& window, arguments rest)
 {
     const list_view list(window.item(port_list));
@@ -80,6 +100,8 @@ constexpr auto commands = std::to_array<command>({
     {L"wait", 0, wait},
     {L"ports", 0, print_ports},
     {L"press", 1, press},
+    {L"begin", 1, begin},
+    {L"service", 0, print_service},
     {L"share-only", 1, share_only},
     {L"close", 0, close},
 });
