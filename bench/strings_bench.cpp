@@ -2,11 +2,13 @@
 // of a pack has to do. Ids and texts are drawn anew for every round.
 
 #include "harness.h"
+#include "localisation/language_pack.h"
 #include "localisation/little_endian.h"
 #include "localisation/pack_name_hash.h"
 #include "localisation/string_tables.h"
 
 #include <fcntl.h>
+#include <libintl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -14,8 +16,11 @@
 #include <algorithm>
 #include <array>
 #include <boost/unordered/unordered_flat_map.hpp>
+#include <clocale>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <memory>
 #include <random>
 #include <span>
@@ -248,6 +253,8 @@ std::size_t walk_headers(std::span<const std::byte> pack)
     return sum;
 }
 
+enum class ids_beneath { other, same };
+
 /// A pack in a file, and a table to lay it over.
 struct pack_file {
     pack_file() : path("/tmp/strings_bench." + std::to_string(::getpid())) {}
@@ -255,10 +262,13 @@ struct pack_file {
     pack_file(const pack_file&) = delete;
     pack_file& operator=(const pack_file&) = delete;
 
-    void draw(random_source& random, std::size_t count, std::size_t beneath)
+    /// \param beneath  how many entries the layer beneath has; all of them with other ids, or the first ones with the
+    /// same
+    void draw(random_source& random, std::size_t count, std::size_t beneath, ids_beneath which)
     {
         entries = draw_entries(random, count + beneath);
-        lower_pack = pack_of(std::span(entries).subspan(count));
+        lower_pack =
+            pack_of(which == ids_beneath::same ? std::span(entries).first(beneath) : std::span(entries).subspan(count));
         entries.resize(count);
         lower = StringTable();
         lower.layer(lower_pack, pack_form::bare);
@@ -274,8 +284,8 @@ struct pack_file {
     StringTable lower;
 };
 
-/// \param beneath  how many entries the layer beneath has, all with other ids
-bench::comparison load(std::string work, std::size_t beneath)
+/// \param beneath  how many entries the layer beneath has
+bench::comparison load(std::string work, std::size_t beneath, ids_beneath which, double goal)
 {
     constexpr std::size_t count = 10'000;
     constexpr int times = 8; // the first one pays for the cold file
@@ -288,7 +298,7 @@ bench::comparison load(std::string work, std::size_t beneath)
     };
     const auto walk_once = [file] { return walk_headers(mapping(file->path.c_str()).bytes()); };
     return {.work = std::move(work),
-            .goal = 1.35,
+            .goal = goal,
             .subject = {"StringTable::layer",
                         [=] {
                             for (int left = times; left > 0; --left)
@@ -312,7 +322,105 @@ bench::comparison load(std::string work, std::size_t beneath)
                                units += entry.text.size();
                            return walk_once() == units;
                        }}},
-            .draw = [=](random_source& random) { file->draw(random, count, beneath); }};
+            .draw = [=](random_source& random) { file->draw(random, count, beneath, which); }};
+}
+
+/// A language pack of 48 texts, and a catalogue of the same texts, both in files that no program has read before.
+class translation_files {
+public:
+    translation_files() : folder_("/tmp/strings_bench.catalogues." + std::to_string(::getpid()))
+    {
+        if (std::setlocale(LC_ALL, "C.UTF-8") == nullptr || ::setenv("LANGUAGE", "xx", 1) != 0)
+            std::abort();
+        std::filesystem::create_directories(folder_ + "/xx/LC_MESSAGES");
+    }
+    ~translation_files() { std::filesystem::remove_all(folder_); }
+    translation_files(const translation_files&) = delete;
+    translation_files& operator=(const translation_files&) = delete;
+
+    void draw(random_source& random)
+    {
+        constexpr std::size_t count = 48;
+        entries = draw_entries(random, count);
+        ++drawn_;
+        pack_path = folder_ + "/" + std::to_string(drawn_) + ".lpack";
+        domain = "domain" + std::to_string(drawn_);
+        write_pack();
+        write_catalogue();
+        ::bindtextdomain(domain.c_str(), folder_.c_str());
+    }
+
+    static std::string key_of(const entry_source& entry) { return "key " + std::to_string(entry.id); }
+
+    std::vector<entry_source> entries;
+    std::string pack_path;
+    std::string domain;
+
+private:
+    void write_pack() const
+    {
+        constexpr std::array<unsigned char, 16> signature = {0x91, 0x58, 0x27, 0xFD, 0x72, 0xA1, 0xC1, 0x4C,
+                                                             0x8A, 0xBA, 0x56, 0x4E, 0xFC, 0x98, 0xDD, 0x21};
+        pack_bytes file;
+        for (const unsigned char value : signature)
+            file.push_back(std::byte{value});
+        append(file, std::uint32_t{1});
+        append(file, PackNameHash(u"common"));
+        append(file, std::int32_t{28});
+        const pack_bytes module = pack_of(entries);
+        file.insert(file.end(), module.begin(), module.end());
+        std::ofstream(pack_path, std::ios::binary)
+            .write(reinterpret_cast<const char*>(file.data()), static_cast<std::streamsize>(file.size()));
+    }
+
+    void write_catalogue() const
+    {
+        const std::string source = folder_ + "/texts.po";
+        std::ofstream texts(source);
+        texts << "msgid \"\"\nmsgstr \"Content-Type: text/plain; charset=UTF-8\\n\"\n";
+        for (const entry_source& entry : entries)
+            texts << "msgid \"" << key_of(entry) << "\"\nmsgstr \"" << std::string(entry.text.size(), 'x') << "\"\n";
+        texts.close();
+        const std::string compile = "msgfmt -o " + folder_ + "/xx/LC_MESSAGES/" + domain + ".mo " + source;
+        if (std::system(compile.c_str()) != 0)
+            std::abort();
+    }
+
+    std::string folder_;
+    int drawn_ = 0;
+};
+
+/// gettext keeps a catalogue that it has opened: each of them is opened once only, and the pack stays mapped, too.
+bench::comparison open_and_find_first()
+{
+    const auto files = std::make_shared<translation_files>();
+    const auto mapped = std::make_shared<std::unique_ptr<mapping>>();
+    const auto find = [files, mapped](const entry_source& entry) {
+        if (*mapped == nullptr)
+            *mapped = std::make_unique<mapping>(files->pack_path.c_str());
+        StringTable table;
+        if (is_language_pack((*mapped)->bytes()))
+            table.layer(findModule((*mapped)->bytes(), u"common"), pack_form::bare);
+        return table.text(entry.id);
+    };
+    const auto first_text = [files] {
+        return ::dgettext(files->domain.c_str(), translation_files::key_of(files->entries[0]).c_str());
+    };
+    return {.work = "open 48 translations and find the first text",
+            .goal = 0.2,
+            .subject = {"language pack", [=] { bench::keep(find(files->entries[0])); },
+                        [=] {
+                            const bool right = std::ranges::all_of(
+                                files->entries, [&](const entry_source& entry) { return find(entry) == entry.text; });
+                            mapped->reset();
+                            return right;
+                        },
+                        [=] { mapped->reset(); }},
+            .peers = {{"gettext", [=] { bench::keep(first_text()); },
+                       [=] { return std::string(first_text()) == std::string(files->entries[0].text.size(), 'x'); }}},
+            .draw = [files](random_source& random) { files->draw(random); },
+            .checked_draws = 5,
+            .rounds = 61};
 }
 
 } // namespace
@@ -323,7 +431,9 @@ int main()
     report.compare(find_in("find, 48 ids in four layers", 48, 4));
     report.compare(find_in("find, 10,000 ids in one layer", 10'000, 1));
     report.compare(text_of_a_constant());
-    report.compare(load("load 10,000 entries", 0));
-    report.compare(load("load 10,000 entries over a layer of 48", 48));
+    report.compare(load("load 10,000 entries", 0, ids_beneath::other, 1.35));
+    report.compare(load("load 10,000 entries over a layer of 48", 48, ids_beneath::other, 1.35));
+    report.compare(load("load 10,000 translations over an English layer of 10,000", 10'000, ids_beneath::same, 1.8));
+    report.compare(open_and_find_first());
     return report.exit_code();
 }

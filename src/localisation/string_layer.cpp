@@ -50,8 +50,9 @@ bool skip_extra(std::span<const std::byte>& rest) noexcept
     return true;
 }
 
-/// Whether an entry of a translation, or of a built-in pack, may stand for the one beneath it.
-bool may_replace(const StringEntry& entry, const StringEntry& replaced, pack_form form)
+/// Whether an entry of a translation, or of a built-in pack, may stand for the one beneath it. Takes a copy, so that
+/// the caller can keep its entry in registers.
+bool may_replace(StringEntry entry, const StringEntry& replaced, pack_form form)
 {
     return replaced.revision() == entry.revision() &&
            (form == pack_form::with_signature || placeholders_fit(entry, replaced));
