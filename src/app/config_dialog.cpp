@@ -1,5 +1,6 @@
 #include "app/config_dialog.h"
 
+#include "app/about_dialog.h"
 #include "app/access_command.h"
 #include "app/config_layout.h"
 #include "app/error_log.h"
@@ -60,9 +61,6 @@ constexpr control_text control_texts[] = {
     {IDC_APPLY, string_id::apply},
 };
 
-/// Present in the window, and without a command behind them yet.
-constexpr int unavailable_controls[] = {IDC_ABOUT};
-
 /// The first items with a comma between them; an ellipsis stands for those that a message has no room for.
 template <typename Item, typename ToText>
 std::u16string joined(const std::vector<Item>& items, ToText to_text)
@@ -86,6 +84,7 @@ constexpr command_route<ConfigDialog> ConfigDialog::commands[] = {
     {IDC_SHARE_ALL, BN_CLICKED, &ConfigDialog::on_share_mode_selected},
     {IDC_SHARE_SELECTED, BN_CLICKED, &ConfigDialog::on_share_mode_selected},
     {IDC_AUTO_DISCOVERY, BN_CLICKED, &ConfigDialog::on_changed},
+    {IDC_ABOUT, BN_CLICKED, &ConfigDialog::on_about},
     {IDC_SECURITY, BN_CLICKED, &ConfigDialog::on_security},
     {IDC_START, BN_CLICKED, &ConfigDialog::on_start},
     {IDC_STOP, BN_CLICKED, &ConfigDialog::on_stop},
@@ -136,9 +135,12 @@ void ConfigDialog::set_texts()
 {
     for (const auto& [id, string] : control_texts)
         set_window_text(control(id), text(string));
+    // Seen by screen readers alone: the lists have no label of their own.
+    set_window_text(control(IDC_PORTS_LABEL), text(string_id::ports_label));
+    set_window_text(control(IDC_LANGUAGE_LABEL), text(string_id::language_label));
+    tips_.set(window(), control(IDC_LANGUAGE), text(string_id::language_label));
+    select_all_by_keyboard(control(IDC_STATUS));
     set_window_text(control(IDC_STATUS_LABEL), fmtkit::format(u"{}:"_fmt, text(string_id::status)));
-    for (const int id : unavailable_controls)
-        set_enabled(control(id), false);
 }
 
 void ConfigDialog::fill_languages()
@@ -169,6 +171,7 @@ box ConfigDialog::layout(const control_measure& measure) const
 void ConfigDialog::on_laid_out()
 {
     check_list::fit_column(control(IDC_PORTS));
+    icons_.show(window(), IDI_PROGRAM, dpi());
 }
 
 void ConfigDialog::show_load_failures_later() noexcept
@@ -293,6 +296,11 @@ void ConfigDialog::on_security()
     show_dirty();
     show_who_can_connect();
     lay_out(dpi());
+}
+
+void ConfigDialog::on_about()
+{
+    AboutDialog().show(window());
 }
 
 void ConfigDialog::on_language_selected()

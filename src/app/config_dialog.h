@@ -7,6 +7,8 @@
 #include "security/edit_security.h"
 #include "settings/settings_store.h"
 #include "ui/dialog.h"
+#include "ui/icons.h"
+#include "ui/tooltips.h"
 
 #include <windows.h>
 
@@ -61,6 +63,7 @@ private:
     void on_apply();
     void on_share_mode_selected();
     void on_changed();
+    void on_about();
     void on_security();
     void on_language_selected();
     void on_start();
@@ -82,6 +85,8 @@ private:
 
     girder::ui_thread& thread_;
     restart_request& restart_;
+    girder::ui::window_icons icons_;
+    girder::ui::tooltips tips_;
     service_commands service_{thread_, *this};
     std::vector<LoadFailure> failures_;
     config_model model_;

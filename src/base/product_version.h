@@ -19,4 +19,7 @@ struct product_version {
 /// \throws system_error when version.dll cannot be loaded
 product_version read_product_version();
 
+/// The same for the file version, which the About box shows.
+product_version read_file_version();
+
 } // namespace girder

@@ -19,9 +19,8 @@ std::vector<std::byte> version_resource()
     return {bytes, bytes + ::SizeofResource(nullptr, place)};
 }
 
-} // namespace
-
-product_version read_product_version()
+/// The numbers that stand in two members of the fixed block.
+product_version read_version(DWORD VS_FIXEDFILEINFO::* upper, DWORD VS_FIXEDFILEINFO::* lower)
 {
     const std::vector<std::byte> block = version_resource();
     if (block.empty())
@@ -33,8 +32,19 @@ product_version read_product_version()
     if (!query_value(block.data(), L"\\", &found, &size) || size < sizeof(VS_FIXEDFILEINFO))
         return {};
     const auto& info = *static_cast<const VS_FIXEDFILEINFO*>(found);
-    return {HIWORD(info.dwProductVersionMS), LOWORD(info.dwProductVersionMS), HIWORD(info.dwProductVersionLS),
-            LOWORD(info.dwProductVersionLS)};
+    return {HIWORD(info.*upper), LOWORD(info.*upper), HIWORD(info.*lower), LOWORD(info.*lower)};
+}
+
+} // namespace
+
+product_version read_product_version()
+{
+    return read_version(&VS_FIXEDFILEINFO::dwProductVersionMS, &VS_FIXEDFILEINFO::dwProductVersionLS);
+}
+
+product_version read_file_version()
+{
+    return read_version(&VS_FIXEDFILEINFO::dwFileVersionMS, &VS_FIXEDFILEINFO::dwFileVersionLS);
 }
 
 } // namespace girder

@@ -122,6 +122,17 @@ private:
 
 } // namespace
 
+COLORREF rich_colours::link_colour() noexcept
+{
+    constexpr int least_difference = 96;
+    const auto brightness = [](COLORREF colour) {
+        return (2 * GetRValue(colour) + 5 * GetGValue(colour) + GetBValue(colour)) / 8;
+    };
+    const COLORREF own = ::GetSysColor(COLOR_HOTLIGHT);
+    const int difference = brightness(own) - brightness(::GetSysColor(COLOR_BTNFACE));
+    return difference < -least_difference || difference > least_difference ? own : ::GetSysColor(COLOR_BTNTEXT);
+}
+
 std::unique_ptr<rich_layout> make_gdi_layout(const rich_text& text, HFONT font)
 {
     return std::make_unique<gdi_layout>(text, font);

@@ -1,11 +1,11 @@
 #include "ui/message_box.h"
 
 #include "base/system_library.h"
-#include "base/unique_handle.h"
 #include "base/wide.h"
 #include "ui/clipboard.h"
 #include "ui/controls.h"
 #include "ui/dialog.h"
+#include "ui/icons.h"
 #include "ui/message_box_ids.h"
 #include "ui/rich_text.h"
 #include "ui/rich_view.h"
@@ -23,13 +23,6 @@ namespace girder::ui {
 namespace {
 
 constexpr int all_buttons[] = {IDOK, IDCANCEL, IDABORT, IDRETRY, IDIGNORE, IDYES, IDNO, IDTRYAGAIN, IDCONTINUE};
-
-struct icon_traits {
-    using raw_type = HICON;
-    static constexpr raw_type empty() noexcept { return nullptr; }
-    static void close(raw_type icon) noexcept { ::DestroyIcon(icon); }
-};
-using unique_icon = unique_handle<icon_traits>;
 
 struct icon_kind {
     message_icon icon;

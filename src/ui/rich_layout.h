@@ -20,8 +20,12 @@ struct link_area {
 struct rich_colours {
     COLORREF background = ::GetSysColor(COLOR_BTNFACE);
     COLORREF text = ::GetSysColor(COLOR_BTNTEXT);
-    COLORREF link = ::GetSysColor(COLOR_HOTLIGHT);
+    COLORREF link = link_colour();
     COLORREF hovered_link = ::GetSysColor(COLOR_BTNTEXT);
+
+private:
+    /// The links' own colour, unless it cannot be told from the background: some themes mean it for another one.
+    static COLORREF link_colour() noexcept;
 };
 
 /// A rich text broken into lines in one font, ready to be measured and drawn. Pixels; the origin is the text's corner.

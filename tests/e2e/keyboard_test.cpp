@@ -85,8 +85,8 @@ TEST_F(keyboard_test, tab_goes_through_the_window_from_top_to_bottom)
         ASSERT_TRUE(eventually([&] { return window.focused() != from && window.focused() != 0; })) << from;
         round.push_back(window.focused());
     } while (round.back() != id::auto_discovery);
-    EXPECT_THAT(round, ElementsAre(id::security, id::language, id::ok, id::cancel, id::apply, id::status, id::start,
-                                   id::share_selected, id::port_list, id::auto_discovery));
+    EXPECT_THAT(round, ElementsAre(id::security, id::language, id::about, id::ok, id::cancel, id::apply, id::status,
+                                   id::start, id::share_selected, id::port_list, id::auto_discovery));
 }
 
 TEST_F(keyboard_test, typing_finds_a_port)

@@ -25,6 +25,7 @@ inline constexpr int cancel = 2;
 inline constexpr int apply = 3;
 inline constexpr int yes = 6;
 inline constexpr int no = 7;
+inline constexpr int about = 1013;
 inline constexpr int status = 1001;
 inline constexpr int start = 1002;
 inline constexpr int stop = 1003;
