@@ -207,6 +207,13 @@ int pushed_inside(int start, int length, int low, int room)
 
 } // namespace
 
+box::box() = default;
+box::box(const box& other) = default;
+box::box(box&& other) noexcept = default;
+box& box::operator=(const box& other) = default;
+box& box::operator=(box&& other) noexcept = default;
+box::~box() = default;
+
 box control_box(int control, extent natural)
 {
     box made;

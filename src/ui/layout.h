@@ -35,6 +35,14 @@ struct margins {
 struct box {
     enum class arrangement : unsigned char { control, row, column };
 
+    // Not inline: trees are built in many places, and copied for the small price that building a window once has.
+    box();
+    box(const box& other);
+    box(box&& other) noexcept;
+    box& operator=(const box& other);
+    box& operator=(box&& other) noexcept;
+    ~box();
+
     arrangement kind = arrangement::control;
     int control = 0;                         ///< the control placed over the whole box, padding included; 0 for none
     extent natural;                          ///< of a control: the size it is given where there is room
