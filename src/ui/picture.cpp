@@ -69,10 +69,11 @@ picture::picture(int resource_id)
 void picture::shrink_towards(int width)
 {
     constexpr int half = 2;
+    constexpr std::size_t quarter = 4;
     while (width_ >= half * width && width_ % half == 0 && height_ % half == 0) {
         const auto line = static_cast<std::size_t>(width_) * bytes_a_pixel;
         std::vector<std::uint8_t> smaller;
-        smaller.reserve(pixels_.size() / (half * half));
+        smaller.reserve(pixels_.size() / quarter);
         for (std::size_t y = 0; y < pixels_.size(); y += half * line)
             for (std::size_t x = 0; x < line; x += std::size_t{half} * bytes_a_pixel)
                 for (std::size_t at = y + x; at < y + x + bytes_a_pixel; ++at)

@@ -3,6 +3,7 @@
 #include "app/restart_request.h"
 #include "async/ui_thread.h"
 #include "resource.h"
+#include "support/accessible.h"
 #include "support/scratch_hive.h"
 #include "ui/controls.h"
 
@@ -29,6 +30,14 @@ protected:
     restart_request restart_;
     ConfigDialog dialog_{thread_, restart_};
 };
+
+TEST_F(config_dialog_test, every_control_has_a_name)
+{
+    support::expect_named_controls(dialog_.window());
+    EXPECT_EQ(support::accessible_name(dialog_.control(IDC_PORTS)), u"Ports");
+    EXPECT_EQ(support::accessible_name(dialog_.control(IDC_LANGUAGE)), u"Language");
+    EXPECT_EQ(support::accessible_name(dialog_.control(IDC_STATUS)), u"Status:");
+}
 
 TEST_F(config_dialog_test, a_command_by_the_registered_message_answers_1)
 {
