@@ -136,13 +136,20 @@ void rich_view::renew_layout()
     fit();
 }
 
-/// Breaks the text to the window's width and sets what follows from its height.
+/// Breaks the text to the window's width and sets what follows from its height. Whether a scroll bar is needed is
+/// decided by the width without one: one that is there would be a reason for itself.
 void rich_view::fit()
 {
-    const RECT room = inside();
-    const int height = layout_->arrange(room.right).height;
+    RECT outer{};
+    ::GetWindowRect(window_, &outer);
+    const int room = outer.bottom - outer.top;
+    int height = layout_->arrange(outer.right - outer.left).height;
+    if (height > room)
+        height =
+            std::max(room + 1, layout_->arrange(outer.right - outer.left - ::GetSystemMetrics(SM_CXVSCROLL)).height);
     line_height_ = std::max(1, height / static_cast<int>(1 + std::ranges::count(text_.text, u'\n')));
-    bar_.fit(window_, height, room.bottom);
+    bar_.fit(window_, height, room);
+    layout_->arrange(inside().right);
     const auto style = static_cast<DWORD>(::GetWindowLongPtrW(window_, GWL_STYLE));
     const bool reachable = link_count() > 0 || bar_.needed();
     ::SetWindowLongPtrW(window_, GWL_STYLE,
