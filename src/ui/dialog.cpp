@@ -144,6 +144,8 @@ INT_PTR dialog::initialise() noexcept
     bool default_focus = true;
     try {
         disable_system_dpi_layout(window_);
+        // Who uses the keyboard sees from the start where the focus is.
+        ::SendMessageW(window_, WM_CHANGEUISTATE, MAKEWPARAM(UIS_CLEAR, UISF_HIDEFOCUS | UISF_HIDEACCEL), 0);
         default_focus = on_initialise();
     } catch (...) {
         fail(std::current_exception());
@@ -186,6 +188,12 @@ bool dialog::dispatch(UINT message, WPARAM wparam, LPARAM lparam, LRESULT& resul
         return true;
     if (message == lay_out_again_message && layout_.dpi() != 0)
         lay_out(layout_.dpi());
+    // The common controls hear of new colours from their parent only.
+    if (message == WM_SYSCOLORCHANGE)
+        for (HWND child = ::GetWindow(window_, GW_CHILD); child; child = ::GetWindow(child, GW_HWNDNEXT))
+            ::SendMessageW(child, message, wparam, lparam);
+    if (layout_.on_message(window_, message, wparam))
+        return true;
     return message == WM_DPICHANGED && change_dpi(LOWORD(wparam), *reinterpret_cast<const RECT*>(lparam));
 }
 

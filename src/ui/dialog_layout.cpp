@@ -3,6 +3,8 @@
 #include "base/win32_error.h"
 #include "ui/dpi.h"
 
+#include <commctrl.h>
+
 #include <algorithm>
 #include <iterator>
 #include <utility>
@@ -96,12 +98,42 @@ extent window_size(const box& root, const extent& frame, const extent& least, co
             .height = std::min(std::max(inside.height + frame.height, least.height), work.height)};
 }
 
-void place_dialog(HWND dialog, const box& root, const extent& frame, const area& place)
+/// How far down the controls reach, with the margin that they have at the top.
+int content_height(const std::vector<placement>& placements)
+{
+    int top = 0x7FFF;
+    int bottom = 0;
+    for (const placement& each : placements) {
+        top = std::min(top, each.place.y);
+        bottom = std::max(bottom, each.place.y + each.place.height);
+    }
+    return placements.empty() ? 0 : bottom + top;
+}
+
+/// \return the height that the controls need
+int place_dialog(HWND dialog, const box& root, const extent& frame, const area& place)
 {
     move_window(dialog, place, 0);
-    place_controls(
-        dialog,
-        arrange(root, {.x = 0, .y = 0, .width = place.width - frame.width, .height = place.height - frame.height}));
+    const area inside{.x = 0, .y = 0, .width = place.width - frame.width, .height = place.height - frame.height};
+    std::vector<placement> placements = arrange(root, inside);
+    if (content_height(placements) > inside.height) {
+        area beside_bar = inside;
+        beside_bar.width -= ::GetSystemMetrics(SM_CXVSCROLL);
+        placements = arrange(root, beside_bar);
+    }
+    place_controls(dialog, placements);
+    return content_height(placements);
+}
+
+/// Brings a control into sight when it gets the keyboard.
+LRESULT CALLBACK follow_focus(HWND control, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR id,
+                              DWORD_PTR layout) noexcept
+{
+    if (message == WM_SETFOCUS)
+        reinterpret_cast<dialog_layout*>(layout)->reveal(control);
+    if (message == WM_NCDESTROY)
+        ::RemoveWindowSubclass(control, follow_focus, id);
+    return ::DefSubclassProc(control, message, wparam, lparam);
 }
 
 } // namespace
@@ -113,7 +145,7 @@ void set_dialog_font(HWND dialog, HFONT font) noexcept
         ::SendMessageW(child, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
 }
 
-void lay_out_dialog(HWND dialog, const box& root, UINT dpi)
+int lay_out_dialog(HWND dialog, const box& root, UINT dpi)
 {
     const area now = area_of(dialog);
     const area work = work_area_of(dialog);
@@ -121,17 +153,18 @@ void lay_out_dialog(HWND dialog, const box& root, UINT dpi)
     const extent size = window_size(root, frame, {}, work);
     const bool stays_centred = (style_of(dialog) & DS_CENTER) != 0;
     const area same_corner{.x = now.x, .y = now.y, .width = size.width, .height = size.height};
-    place_dialog(dialog, root, frame, stays_centred ? centred(size, now, work) : moved_inside(same_corner, work));
+    return place_dialog(dialog, root, frame,
+                        stays_centred ? centred(size, now, work) : moved_inside(same_corner, work));
 }
 
-void lay_out_dialog(HWND dialog, const box& root, UINT dpi, const RECT& suggested)
+int lay_out_dialog(HWND dialog, const box& root, UINT dpi, const RECT& suggested)
 {
     const area asked = area_of(suggested);
     const area work = work_area(::MonitorFromRect(&suggested, MONITOR_DEFAULTTONEAREST));
     const extent frame = frame_of(dialog, dpi);
     const extent size = window_size(root, frame, {.width = asked.width, .height = asked.height}, work);
-    place_dialog(dialog, root, frame,
-                 moved_inside({.x = asked.x, .y = asked.y, .width = size.width, .height = size.height}, work));
+    return place_dialog(dialog, root, frame,
+                        moved_inside({.x = asked.x, .y = asked.y, .width = size.width, .height = size.height}, work));
 }
 
 void centre_on_owner(HWND dialog, HWND owner) noexcept
@@ -152,16 +185,55 @@ control_measure dialog_layout::use_dpi(HWND dialog, UINT dpi)
     return {dialog, font_.get(), dpi};
 }
 
+void dialog_layout::set_content(HWND dialog, int height)
+{
+    RECT inside{};
+    bar_.scroll_to(dialog, 0);
+    ::GetClientRect(dialog, &inside);
+    bar_.fit(dialog, height, inside.bottom);
+    if (!bar_.needed())
+        return;
+    for (HWND child = ::GetWindow(dialog, GW_CHILD); child; child = ::GetWindow(child, GW_HWNDNEXT))
+        ::SetWindowSubclass(child, follow_focus, 0x5C12, reinterpret_cast<DWORD_PTR>(this));
+}
+
+bool dialog_layout::on_message(HWND dialog, UINT message, WPARAM wparam)
+{
+    if (!bar_.needed() || (message != WM_VSCROLL && message != WM_MOUSEWHEEL))
+        return false;
+    const int line = dialog_units(font_.get(), dpi_).vertical(8);
+    scroll(dialog,
+           message == WM_VSCROLL ? bar_.on_scroll(dialog, LOWORD(wparam), line) : bar_.on_wheel(dialog, wparam, line));
+    return true;
+}
+
+void dialog_layout::reveal(HWND control) noexcept
+{
+    const HWND dialog = ::GetParent(control);
+    RECT place{};
+    ::GetWindowRect(control, &place);
+    ::MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&place), 2);
+    if (bar_.needed())
+        scroll(dialog, bar_.reveal(dialog, place.top + bar_.position(), place.bottom + bar_.position()));
+}
+
+void dialog_layout::scroll(HWND dialog, int distance) noexcept
+{
+    if (distance != 0)
+        ::ScrollWindowEx(dialog, 0, -distance, nullptr, nullptr, nullptr, nullptr,
+                         SW_SCROLLCHILDREN | SW_INVALIDATE | SW_ERASE);
+}
+
 void dialog_layout::apply(HWND dialog, UINT dpi, const description& describe)
 {
     const control_measure measure = use_dpi(dialog, dpi);
-    lay_out_dialog(dialog, describe(measure), dpi);
+    set_content(dialog, lay_out_dialog(dialog, describe(measure), dpi));
 }
 
 void dialog_layout::apply(HWND dialog, UINT dpi, const RECT& suggested, const description& describe)
 {
     const control_measure measure = use_dpi(dialog, dpi);
-    lay_out_dialog(dialog, describe(measure), dpi, suggested);
+    set_content(dialog, lay_out_dialog(dialog, describe(measure), dpi, suggested));
 }
 
 } // namespace girder::ui

@@ -192,6 +192,28 @@ TEST(lay_out_test, dialog_never_exceeds_the_work_area)
     EXPECT_TRUE(support::is_inside(place_of(dialog.window()), work));
 }
 
+TEST(lay_out_test, what_the_screen_has_no_room_for_is_scrolled_to)
+{
+    sample_dialog dialog(u"Share all ports");
+    ::ShowWindow(dialog.window(), SW_SHOW);
+    dialog.lay_out(960);
+    RECT inside{};
+    ::GetClientRect(dialog.window(), &inside);
+    const auto place_in_dialog = [&](int id) {
+        RECT place = support::place_of(dialog.control(id));
+        ::MapWindowPoints(nullptr, dialog.window(), reinterpret_cast<POINT*>(&place), 2);
+        return place;
+    };
+    EXPECT_GT(place_in_dialog(IDOK).bottom, inside.bottom);
+    ::SetFocus(dialog.control(IDOK));
+    EXPECT_LE(place_in_dialog(IDOK).bottom, inside.bottom);
+    ::SendMessageW(dialog.window(), WM_VSCROLL, SB_TOP, 0);
+    EXPECT_GE(place_in_dialog(IDC_EDIT).top, 0);
+    dialog.lay_out(96);
+    EXPECT_LE(place_in_dialog(IDOK).bottom, support::size_of(dialog.window()).cy);
+    EXPECT_EQ(::GetWindowLongPtrW(dialog.window(), GWL_STYLE) & WS_VSCROLL, 0);
+}
+
 TEST(lay_out_test, list_gives_way_before_anything_leaves_the_screen)
 {
     const RECT work = support::work_area();
