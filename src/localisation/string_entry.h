@@ -25,6 +25,9 @@ public:
           length_(is_list(stored) ? 0 : load_number<std::uint16_t>(stored + length_at))
     {}
 
+    /// Where the stored form begins.
+    const std::byte* stored() const noexcept { return stored_; }
+
     std::uint32_t id() const noexcept { return id_; }
 
     /// Revision of the English text that this entry was made for, 30 bits.

@@ -3,6 +3,8 @@
 #include "localisation/placeholders.h"
 
 #include <array>
+#include <functional>
+#include <utility>
 
 namespace tidelink {
 
@@ -50,6 +52,12 @@ bool skip_extra(std::span<const std::byte>& rest) noexcept
     return true;
 }
 
+bool is_stored_in(std::span<const std::byte> pack, const StringEntry& entry) noexcept
+{
+    return std::greater_equal<>()(entry.stored(), pack.data()) &&
+           std::less<>()(entry.stored(), pack.data() + pack.size());
+}
+
 /// Whether an entry of a translation, or of a built-in pack, may stand for the one beneath it. Takes a copy, so that
 /// the caller can keep its entry in registers.
 bool may_replace(StringEntry entry, const StringEntry& replaced, pack_form form)
@@ -74,8 +82,8 @@ std::optional<StringLayer> StringLayer::read(std::span<const std::byte> pack, pa
     if (count > rest.size() / StringEntry::min_stored_size)
         return std::nullopt;
 
-    std::optional<StringLayer> layer =
-        StringLayer(locale_name, language_tag, count + (beneath != nullptr ? beneath->entries_.size() : 0));
+    std::optional<StringLayer> layer = StringLayer(
+        locale_name, language_tag, beneath != nullptr ? StringSet(beneath->entries_, count) : StringSet(count));
     const std::byte* stored = rest.data();
     const std::byte* const end = stored + rest.size();
     for (; count > 0; --count) {
@@ -83,13 +91,12 @@ std::optional<StringLayer> StringLayer::read(std::span<const std::byte> pack, pa
         if (size == 0)
             return std::nullopt;
         const StringEntry entry(stored);
-        const StringEntry* const replaced = beneath != nullptr ? beneath->find(entry.id()) : nullptr;
-        if (replaced == nullptr || may_replace(entry, *replaced, form))
-            layer->entries_.insert(entry);
+        StringEntry* const present = layer->entries_.insert(entry);
+        const bool is_from_beneath = present != nullptr && !is_stored_in(rest, *present);
+        if (is_from_beneath && may_replace(entry, *present, form))
+            *present = entry;
         stored += size;
     }
-    if (beneath != nullptr)
-        layer->entries_.insert_all_of(beneath->entries_);
     return layer;
 }
 

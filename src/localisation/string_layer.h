@@ -8,6 +8,7 @@
 #include <optional>
 #include <span>
 #include <string_view>
+#include <utility>
 
 namespace tidelink {
 
@@ -41,8 +42,8 @@ public:
     const StringEntry* find(std::uint32_t id) const noexcept { return entries_.find(id); }
 
 private:
-    StringLayer(std::string_view locale_name, std::string_view language_tag, std::size_t max_entries)
-        : locale_name_(locale_name), language_tag_(language_tag), entries_(max_entries)
+    StringLayer(std::string_view locale_name, std::string_view language_tag, StringSet entries)
+        : locale_name_(locale_name), language_tag_(language_tag), entries_(std::move(entries))
     {}
 
     std::string_view locale_name_;

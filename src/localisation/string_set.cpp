@@ -1,5 +1,7 @@
 #include "localisation/string_set.h"
 
+#include <cstring>
+
 namespace tidelink {
 
 namespace {
@@ -11,12 +13,21 @@ constexpr std::size_t spare_groups = 16;
 } // namespace
 
 StringSet::StringSet(std::size_t entries)
-    : groups_(entries / entries_in_group + spare_groups), tags_((groups_ + groups_searched) * group_size),
+    : capacity_(entries), groups_(entries / entries_in_group + spare_groups),
+      tags_((groups_ + groups_searched) * group_size),
       slots_(std::make_unique_for_overwrite<StringEntry[]>(tags_.size()))
 {}
 
-void StringSet::insert_all_of(const StringSet& other)
+StringSet::StringSet(const StringSet& other, std::size_t further)
+    : StringSet(further > other.size_ ? other.size_ + further : other.capacity_)
 {
+    if (tags_.size() == other.tags_.size()) {
+        size_ = other.size_;
+        tags_ = other.tags_;
+        std::memcpy(slots_.get(), other.slots_.get(), tags_.size() * sizeof(StringEntry));
+        overflow_ = other.overflow_;
+        return;
+    }
     for (std::size_t slot = 0; slot < other.tags_.size(); ++slot) {
         if (other.tags_[slot] != free_tag)
             insert(other.slots_[slot]);
@@ -25,18 +36,23 @@ void StringSet::insert_all_of(const StringSet& other)
         insert(entry);
 }
 
-void StringSet::insert_further(StringEntry entry)
+StringEntry* StringSet::insert_further(StringEntry entry)
 {
     const place at = place_of(entry.id());
     for (std::size_t group = at.group + 1; group < at.group + groups_searched; ++group) {
         const group_tags tags = load(group);
-        if (match(tags, group, at.tag, entry.id()) != nullptr)
-            return;
-        if (const unsigned free = equal_tags(tags, free_tag); free != 0)
-            return fill(group, free, at.tag, entry);
+        if (StringEntry* const present = match(tags, group, at.tag, entry.id()))
+            return present;
+        if (const unsigned free = equal_tags(tags, free_tag); free != 0) {
+            fill(group, free, at.tag, entry);
+            return nullptr;
+        }
     }
-    if (overflow_.emplace(entry.id(), entry).second)
-        ++size_;
+    const auto [present, inserted] = overflow_.emplace(entry.id(), entry);
+    if (!inserted)
+        return &present->second;
+    ++size_;
+    return nullptr;
 }
 
 const StringEntry* StringSet::find_further(std::uint32_t id) const noexcept

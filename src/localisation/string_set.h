@@ -24,20 +24,25 @@ public:
     /// \param entries  how many there will be; the more these are exceeded, the slower the set gets
     explicit StringSet(std::size_t entries);
 
+    /// The entries of another set, with room for others.
+    /// \param further  how many entries are going to be inserted; most of them should have ids that are there already
+    ///                 when there are no more of them than entries
+    StringSet(const StringSet& other, std::size_t further);
+
     std::size_t size() const noexcept { return size_; }
 
-    /// Does nothing when the id is there already.
-    void insert(StringEntry entry)
+    /// \return null when the entry was inserted; else the one that has its id already and stays
+    StringEntry* insert(StringEntry entry)
     {
         const place at = place_of(entry.id());
         const group_tags tags = load(at.group);
         const unsigned free = equal_tags(tags, free_tag);
-        if (match(tags, at.group, at.tag, entry.id()) != nullptr)
-            return;
-        if (free != 0) [[likely]]
-            fill(at.group, free, at.tag, entry);
-        else
-            insert_further(entry);
+        if (StringEntry* const present = match(tags, at.group, at.tag, entry.id()))
+            return present;
+        if (free == 0) [[unlikely]]
+            return insert_further(entry);
+        fill(at.group, free, at.tag, entry);
+        return nullptr;
     }
 
     /// Null when there is none. Lives as long as the set.
@@ -49,9 +54,6 @@ public:
             return entry;
         return equal_tags(tags, free_tag) != 0 ? nullptr : find_further(id);
     }
-
-    /// Inserts all entries of another set.
-    void insert_all_of(const StringSet& other);
 
 private:
     using group_tags = __m128i;
@@ -86,10 +88,10 @@ private:
         return static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(tags, wanted)));
     }
 
-    const StringEntry* match(group_tags tags, std::size_t group, std::uint8_t tag, std::uint32_t id) const noexcept
+    StringEntry* match(group_tags tags, std::size_t group, std::uint8_t tag, std::uint32_t id) const noexcept
     {
         for (unsigned equal = equal_tags(tags, tag); equal != 0; equal &= equal - 1) {
-            const StringEntry& entry = slots_[group * group_size + static_cast<unsigned>(std::countr_zero(equal))];
+            StringEntry& entry = slots_[group * group_size + static_cast<unsigned>(std::countr_zero(equal))];
             if (entry.id() == id) [[likely]]
                 return &entry;
         }
@@ -105,10 +107,11 @@ private:
     }
 
     // The groups behind the first one, and the map.
-    void insert_further(StringEntry entry);
+    StringEntry* insert_further(StringEntry entry);
     [[gnu::pure]] const StringEntry* find_further(std::uint32_t id) const noexcept;
 
     std::size_t size_ = 0;
+    std::size_t capacity_; ///< what the set was made for
     std::uint64_t groups_;
     std::vector<std::uint8_t> tags_;
     std::unique_ptr<StringEntry[]> slots_; // those with a tag are filled, the others have no content
