@@ -15,8 +15,8 @@ inline constexpr char16_t user_agent[] = u"Zelmark girder Library win7-compatibl
 
 /// What a transfer may take at most; more is an error.
 struct transfer_limits {
-    std::uint64_t document_bytes = 512 * 1024;
-    std::uint64_t file_bytes = 256 * 1024 * 1024;
+    std::uint64_t document_bytes = std::uint64_t{512} * 1024;
+    std::uint64_t file_bytes = std::uint64_t{256} * 1024 * 1024;
     /// Without anything new from the server.
     std::chrono::milliseconds silence = std::chrono::seconds(30);
 };

@@ -146,7 +146,7 @@ task<std::string> session::fetch_document(std::u16string url, cancellation cance
     const std::u16string address = canonical_url(wininet_, fmtkit::format(u"{0}{1}"_fmt, base_, url));
     require_web_address(wininet_, address);
     transfer request(wininet_, limits_.silence);
-    std::u16string headers = u"Accept: application/json";
+    const std::u16string headers = u"Accept: application/json";
     co_await http::open(request, handle_, address, headers, cancelled);
     body_size size(limits_.document_bytes, request.announced_length());
     std::string body;
@@ -166,7 +166,7 @@ task<> session::download_file(std::u16string url, std::u16string path, cancellat
     const std::u16string address = canonical_url(wininet_, fmtkit::format(u"{0}{1}"_fmt, base_, url));
     require_web_address(wininet_, address);
     transfer request(wininet_, limits_.silence);
-    std::u16string headers = u"Accept: */*";
+    const std::u16string headers = u"Accept: */*";
     co_await http::open(request, handle_, address, headers, cancelled);
     body_size size(limits_.file_bytes, request.announced_length());
     downloaded_file file(path);

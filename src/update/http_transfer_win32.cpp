@@ -11,7 +11,7 @@
 namespace girder::http {
 namespace {
 
-constexpr std::size_t buffer_size = 64 * 1024;
+constexpr std::size_t buffer_size = std::size_t{64} * 1024;
 constexpr DWORD watch_interval_ms = 250;
 constexpr int first_refused_redirect = 10;
 /// An existing connection is used and kept, and nobody is asked anything.
@@ -256,7 +256,7 @@ task<std::span<const char>> transfer::read(cancellation cancelled)
         co_await completion("InternetReadFile", cancelled);
     }
     const std::size_t size = *request_->bytes_read();
-    std::span<const char> bytes = buffer.first(size);
+    const std::span<const char> bytes = buffer.first(size);
     co_return bytes;
 }
 
