@@ -41,10 +41,12 @@ public:
     /// From now on the notice is neither called nor being called.
     void do_not_call() noexcept;
     bool told() noexcept;
-
-private:
+    /// What the operation threw, once its end is told; null when nothing.
+    const std::exception_ptr& error() const noexcept { return error_; }
+    /// Blocks half a second at most. \return whether the end is told
     bool wait_briefly() noexcept;
 
+private:
     SRWLOCK lock_ = SRWLOCK_INIT;
     CONDITION_VARIABLE ended_ = CONDITION_VARIABLE_INIT;
     bool told_ = false;

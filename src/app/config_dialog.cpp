@@ -104,6 +104,13 @@ ConfigDialog::ConfigDialog(girder::ui_thread& thread, restart_request& restart, 
     model_.adopt_language(tidelink::initialise(folder_of(girder::program_path()), model_.settings().language));
 }
 
+void ConfigDialog::look_for_updates(update_offer::settings settings)
+{
+    update_.emplace(thread_, *this, std::move(settings),
+                    update_offer::changes{.pending = [this] { return model_.dirty(); },
+                                          .apply = [this] { return ApplySettings(); }});
+}
+
 void ConfigDialog::create()
 {
     create_modeless(IDD_CONFIG, nullptr, "CreateDialogParam failed for main dialog");
@@ -126,6 +133,8 @@ bool ConfigDialog::on_initialise()
     lay_out(::GetDpiForWindow(window()));
     if (!failures_.empty())
         show_load_failures_later();
+    if (update_)
+        update_->start_later();
     // The status comes first in the tab order, but what an administrator is here for is the choice of ports.
     ::SetFocus(control(model_.initial_share_mode() == share_mode::all_ports ? IDC_SHARE_ALL : IDC_SHARE_SELECTED));
     return false;
@@ -227,6 +236,8 @@ bool ConfigDialog::on_message(UINT message, WPARAM wparam, LPARAM, LRESULT&)
         if (wparam)
             on_cancel();
         return true;
+    case WM_TIMER:
+        return update_ && update_->on_timer(wparam);
     case WM_CLOSE:
         on_cancel();
         return true;

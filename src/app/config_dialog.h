@@ -3,6 +3,7 @@
 #include "app/config_model.h"
 #include "app/restart_request.h"
 #include "app/service_commands.h"
+#include "app/update_offer.h"
 #include "async/ui_thread.h"
 #include "security/edit_security.h"
 #include "settings/settings_store.h"
@@ -37,6 +38,9 @@ public:
 
     /// Puts another editor behind the Security button, in the place of the system's.
     void use_access_editor(access_editor editor) { access_editor_ = std::move(editor); }
+
+    /// Has the dialog look for a newer release once it is shown.
+    void look_for_updates(update_offer::settings settings);
 
 protected:
     bool on_initialise() override;
@@ -91,6 +95,7 @@ private:
     std::vector<LoadFailure> failures_;
     config_model model_;
     access_editor access_editor_ = run_system_access_editor;
+    std::optional<update_offer> update_;
     std::vector<std::u16string> languages_; ///< locales, in the order of the combo box
 };
 

@@ -14,9 +14,13 @@
 
 #include <commctrl.h>
 
+#include <string_view>
+
 namespace {
 
 using namespace tidelink;
+
+static_assert(std::u16string_view(TIDELINK_UPDATE_HOST).starts_with(u"https://"));
 
 void register_common_controls() noexcept
 {
@@ -50,6 +54,8 @@ int run_dialog(int show_command)
     girder::ui_thread thread(messages().ui_return);
     restart_request restart;
     ConfigDialog dialog(thread, restart);
+    dialog.look_for_updates({.source = {.host = TIDELINK_UPDATE_HOST, .publisher = TIDELINK_UPDATE_PUBLISHER},
+                             .page = TIDELINK_VENDOR_PAGE});
     register_common_controls();
     const corrections_mode corrections(thread);
     dialog.create();
