@@ -11,6 +11,8 @@ class secured_folder {
 public:
     /// \throws girder::system_error
     secured_folder();
+    secured_folder(const secured_folder&) = delete;
+    secured_folder& operator=(const secured_folder&) = delete;
     secured_folder(secured_folder&& other) noexcept;
     secured_folder& operator=(secured_folder&&) = delete;
     ~secured_folder();

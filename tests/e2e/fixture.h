@@ -12,6 +12,9 @@
 
 namespace e2e {
 
+/// The program looks for updates two seconds after its start: as many handles, the system's libraries keep at most.
+inline constexpr std::size_t handles_of_update_check = 40;
+
 /// A machine with the ports COM1, COM3, COM7 and COM10, and nothing stored.
 class machine_test : public testing::Test {
 protected:

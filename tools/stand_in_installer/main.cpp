@@ -1,6 +1,6 @@
 // Stands in for the product's installer: waits for the process whose handle --wait-process names, and writes what it
-// saw to the file that the environment variable TIDELINK_INSTALLER_RECORD names: "started", and "waited" when the
-// process had ended with 0.
+// saw to the file that the environment variable TIDELINK_INSTALLER_RECORD names: "waited" when the process
+// has ended with 0.
 
 #include <windows.h>
 
@@ -35,8 +35,6 @@ int wmain(int argc, wchar_t** argv)
     if (argc != 3 || std::wcscmp(argv[1], L"--wait-process") != 0)
         return EXIT_FAILURE;
     const auto process = reinterpret_cast<HANDLE>(std::wcstoull(argv[2], nullptr, 10));
-    if (::WaitForSingleObject(process, 0) == WAIT_TIMEOUT)
-        record("started\n");
     if (!has_ended_well(process))
         return EXIT_FAILURE;
     record("waited\n");
