@@ -3,6 +3,7 @@
 #include "async/cancellation.h"
 #include "base/handles.h"
 #include "base/system_error.h"
+#include "localisation/string_tables.h"
 #include "support/detached.h"
 
 #include <windows.h>
@@ -70,6 +71,7 @@ protected:
     {
         constexpr INITCOMMONCONTROLSEX classes{.dwSize = sizeof(INITCOMMONCONTROLSEX), .dwICC = ICC_PROGRESS_CLASS};
         ::InitCommonControlsEx(&classes);
+        tidelink::initialise(u"", u"en");
         owner_ = ::CreateWindowExW(0, L"STATIC", L"Owner", WS_OVERLAPPED | WS_VISIBLE, 0, 0, 400, 300, nullptr, nullptr,
                                    nullptr, nullptr);
         ::SetCursor(::LoadCursorW(nullptr, IDC_ARROW));
