@@ -60,6 +60,19 @@ task<> blocked_until(HANDLE event)
     co_return;
 }
 
+/// Takes its time to go.
+struct lingering : counted {
+    lingering() = default;
+    lingering(const lingering&) = default;
+    lingering& operator=(const lingering&) = default;
+    ~lingering() { ::Sleep(30); }
+};
+
+task<> taking([[maybe_unused]] lingering argument)
+{
+    co_return;
+}
+
 bool pointer_is_hourglass()
 {
     return ::GetCursor() == ::LoadCursorW(nullptr, IDC_WAIT);
@@ -169,6 +182,14 @@ TEST_F(background_operation_test, errors_arrive_with_their_code_before_and_after
             EXPECT_EQ(counted::alive, 0);
         }
     }
+}
+
+TEST_F(background_operation_test, everything_of_an_operation_is_gone_when_it_has_returned)
+{
+    const lingering argument;
+    task<> operation = taking(argument);
+    run(std::move(operation));
+    EXPECT_EQ(counted::alive, 1) << "the argument here";
 }
 
 TEST_F(background_operation_test, what_is_posted_while_the_dialog_is_open_runs_before_it_closes)
