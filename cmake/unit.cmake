@@ -22,7 +22,7 @@ function(use_units target)
 endfunction()
 
 # add_unit(<name>
-#     [FAST]                 optimised for speed, where other units are for size
+#     [FAST]                 keeps the optimisation of the preset, where other units are squeezed for size
 #     [HEADERS ...]          headers that need no operating system
 #     [SOURCES ...]          their sources
 #     [WINDOWS_HEADERS ...]  headers that include <windows.h> or make sense on Windows only
