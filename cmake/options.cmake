@@ -25,6 +25,13 @@ if(WIN32)
     target_link_options(project_options INTERFACE -Wl,--gc-sections)
 endif()
 
+# For all of the program: it is optimised as a whole. Tests are not, because the thread-local variables of the C++
+# library cannot be reached from code that is.
+add_library(whole_program INTERFACE)
+if(WIN32)
+    target_compile_options(whole_program INTERFACE $<$<COMPILE_LANGUAGE:C,CXX>:-flto>)
+endif()
+
 # For all of the program but what it does in large numbers.
 add_library(small_code INTERFACE)
 if(WIN32)

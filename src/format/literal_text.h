@@ -11,7 +11,6 @@
 #include <array>
 #include <concepts>
 #include <cstddef>
-#include <functional>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -185,7 +184,10 @@ private:
         constexpr FormatItem item = Format::table[I];
         constexpr std::size_t depth = depths[I];
         if constexpr ((item.flags & flag_conditional) == 0) {
-            return std::all_of(conditions, conditions + depth, std::identity()) ? write<item>(out) : out;
+            for (std::size_t i = 0; i < depth; ++i)
+                if (!conditions[i])
+                    return out;
+            return write<item>(out);
         } else if constexpr (has_argument(item)) {
             if constexpr ((item.flags & flag_condition_begin) != 0)
                 conditions[depth] = argument(std::get<item.argIndex>(values_)).is_true();
