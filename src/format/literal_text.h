@@ -124,7 +124,7 @@ private:
     character* write(character* out) const
     {
         [&]<std::size_t... I>(std::index_sequence<I...>) {
-            bool conditions[deepest() + 1];
+            bool conditions[deepest() + 1] = {};
             ((out = write<I>(out, conditions)), ...);
         }(std::make_index_sequence<Format::table.size()>());
         return out;
