@@ -1,5 +1,6 @@
 #include "registry/stored_value.h"
 
+#include "base/utf.h"
 #include "serialisation/date_text.h"
 #include "serialisation/guid_text.h"
 #include "serialisation/load_exception.h"
@@ -40,7 +41,7 @@ Number number_in(const std::vector<std::byte>& data)
 template <typename Real>
 Real real_in(const std::u16string& text)
 {
-    if (const std::optional<Real> parsed = nsm::parse_real<Real>(text))
+    if (const std::optional<Real> parsed = nsm::parse_real<Real>(to_utf8(text)))
         return *parsed;
     refuse_format();
 }

@@ -120,18 +120,16 @@ std::u16string to_text(float value)
 }
 
 template <typename Real>
-std::optional<Real> parse_real(const std::u16string& text)
+std::optional<Real> parse_real(std::string_view text)
 {
-    const std::string narrow = to_utf8(text);
-    const bool negative = narrow.starts_with('-');
-    const std::optional<double> magnitude =
-        parse_magnitude(std::string_view(narrow).substr(negative ? 1 : 0), format_of<Real>);
+    const bool negative = text.starts_with('-');
+    const std::optional<double> magnitude = parse_magnitude(text.substr(negative ? 1 : 0), format_of<Real>);
     if (!magnitude)
         return std::nullopt;
     return static_cast<Real>(negative ? -*magnitude : *magnitude);
 }
 
-template std::optional<double> parse_real(const std::u16string& text);
-template std::optional<float> parse_real(const std::u16string& text);
+template std::optional<double> parse_real(std::string_view text);
+template std::optional<float> parse_real(std::string_view text);
 
 } // namespace girder::nsm

@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace girder::nsm {
 
@@ -10,8 +11,8 @@ namespace girder::nsm {
 std::u16string to_text(double value);
 std::u16string to_text(float value);
 
-/// Empty when the text is not wholly a decimal number, or out of range.
+/// The nearest value. Empty when the text is not wholly a decimal number, or out of range.
 template <typename Real>
-std::optional<Real> parse_real(const std::u16string& text);
+std::optional<Real> parse_real(std::string_view text);
 
 } // namespace girder::nsm

@@ -1,8 +1,10 @@
 #include "update/json_number.h"
 
+#include "serialisation/real_text.h"
+
 #include <algorithm>
 #include <boost/spirit/home/x3.hpp>
-#include <cmath>
+#include <limits>
 
 namespace girder::json {
 namespace {
@@ -88,9 +90,12 @@ std::optional<std::uint64_t> parse_hexadecimal(std::string_view digits)
 template <typename Real>
 std::optional<Real> parse_real(std::string_view text)
 {
-    const std::optional<Real> value = parse_whole<Real>(text, x3::real_parser<Real>());
-    const bool overflowed = value && std::isinf(*value) && std::ranges::any_of(text, is_digit);
-    return overflowed ? std::nullopt : value;
+    // The parser of X3 computes in the type that it reads into, which is exact while the digits and the power of ten
+    // that divides them are.
+    const bool has_exponent = text.find_first_of("eE") != std::string_view::npos;
+    if (!has_exponent && std::ranges::count_if(text, is_digit) <= std::numeric_limits<Real>::digits10)
+        return parse_whole<Real>(text, x3::real_parser<Real>());
+    return nsm::parse_real<Real>(text);
 }
 
 template std::optional<double> parse_real(std::string_view text);

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string_view>
 
-// The numbers of a JSON text, read by the parsers of Boost.Spirit X3.
+// The numbers of a JSON text, read by the parsers of Boost.Spirit X3 as far as those are exact.
 
 namespace girder::json {
 
@@ -17,7 +17,7 @@ bool is_number(std::string_view text) noexcept;
 template <typename Integer>
 std::optional<Integer> parse_integer(std::string_view text);
 std::optional<std::uint64_t> parse_hexadecimal(std::string_view digits);
-/// Not always the nearest value: at most a few units in the last place away.
+/// The nearest value.
 template <typename Real>
 std::optional<Real> parse_real(std::string_view text);
 

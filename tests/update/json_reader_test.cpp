@@ -281,8 +281,11 @@ TEST(json_reader_test, numbers)
     EXPECT_EQ(reader("007").as_signed(), 7);
     EXPECT_EQ(reader(".5").as_double(), 0.5);
     EXPECT_EQ(reader("-5.").as_float(), -5.0F);
-    EXPECT_DOUBLE_EQ(reader("6.02214076E+23").as_double(), 6.02214076e23);
-    EXPECT_DOUBLE_EQ(reader("1e-300").as_double(), 1e-300);
+    EXPECT_EQ(reader("6.02214076E+23").as_double(), 6.02214076e23);
+    EXPECT_EQ(reader("1e-300").as_double(), 1e-300);
+    EXPECT_EQ(reader("1211111111111111193").as_double(), 1211111111111111193.0);
+    EXPECT_EQ(reader("16777217.0000001").as_float(), 16777218.0F);
+    EXPECT_EQ(reader("999999.9999").as_float(), 1e6F);
     EXPECT_EQ(reader("-iNf").as_double(), -HUGE_VAL);
     EXPECT_EQ(reader("-Infinity").as_float(), -HUGE_VALF);
     EXPECT_TRUE(std::isnan(reader("-NaN").as_double()));
