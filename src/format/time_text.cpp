@@ -66,7 +66,11 @@ public:
     char16_t* expand(std::basic_string_view<Char> pattern);
 
 private:
+    // Each passes on what it does not know to the next.
     void convert(char16_t conversion);
+    void convert_date(char16_t conversion);
+    void convert_week(char16_t conversion);
+    void convert_other(char16_t conversion);
 
     void put(char16_t unit) { *next_++ = unit; }
     void put_within_limit(std::u16string_view text);
@@ -182,22 +186,6 @@ void time_writer::system_text(char16_t conversion)
 void time_writer::convert(char16_t conversion)
 {
     switch (conversion) {
-    case u'%':
-        put(u'%');
-        break;
-    case u'C':
-        two_digits(local_.year / 100);
-        break;
-    case u'D':
-        three_numbers(local_.month, u'/', local_.day, local_.year % 100);
-        break;
-    case u'F':
-        two_digits(local_.year / 100);
-        three_numbers(local_.year % 100, u'-', local_.month, local_.day);
-        break;
-    case u'G':
-        year(iso_week_of(local_).year);
-        break;
     case u'H':
         two_digits(local_.hour);
         break;
@@ -218,14 +206,24 @@ void time_writer::convert(char16_t conversion)
     case u'T':
         three_numbers(local_.hour, u':', local_.minute, local_.second);
         break;
-    case u'U':
-        two_digits((local_.day_of_year() + 7 - local_.weekday()) / 7);
+    default:
+        convert_date(conversion);
         break;
-    case u'V':
-        two_digits(iso_week_of(local_).week);
+    }
+}
+
+void time_writer::convert_date(char16_t conversion)
+{
+    switch (conversion) {
+    case u'C':
+        two_digits(local_.year / 100);
         break;
-    case u'W':
-        two_digits((local_.day_of_year() + 7 - (local_.weekday() + 6) % 7) / 7);
+    case u'D':
+        three_numbers(local_.month, u'/', local_.day, local_.year % 100);
+        break;
+    case u'F':
+        two_digits(local_.year / 100);
+        three_numbers(local_.year % 100, u'-', local_.month, local_.day);
         break;
     case u'Y':
         year(local_.year);
@@ -238,15 +236,57 @@ void time_writer::convert(char16_t conversion)
         if (local_.day < 10)
             next_[-2] = u' ';
         break;
-    case u'g':
-        two_digits(iso_week_of(local_).year % 100);
-        break;
     case u'j':
         put(static_cast<char16_t>(u'0' + (local_.day_of_year() + 1) / 100));
         two_digits((local_.day_of_year() + 1) % 100);
         break;
     case u'm':
         two_digits(local_.month);
+        break;
+    case u'y':
+        two_digits(local_.year % 100);
+        break;
+    default:
+        convert_week(conversion);
+        break;
+    }
+}
+
+void time_writer::convert_week(char16_t conversion)
+{
+    switch (conversion) {
+    case u'G':
+        year(iso_week_of(local_).year);
+        break;
+    case u'U':
+        two_digits((local_.day_of_year() + 7 - local_.weekday()) / 7);
+        break;
+    case u'V':
+        two_digits(iso_week_of(local_).week);
+        break;
+    case u'W':
+        two_digits((local_.day_of_year() + 7 - (local_.weekday() + 6) % 7) / 7);
+        break;
+    case u'g':
+        two_digits(iso_week_of(local_).year % 100);
+        break;
+    case u'u':
+        number(local_.weekday() == 0 ? 7U : static_cast<unsigned>(local_.weekday()));
+        break;
+    case u'w':
+        number(static_cast<unsigned>(local_.weekday()));
+        break;
+    default:
+        convert_other(conversion);
+        break;
+    }
+}
+
+void time_writer::convert_other(char16_t conversion)
+{
+    switch (conversion) {
+    case u'%':
+        put(u'%');
         break;
     case u'n':
         put(u'\n');
@@ -256,15 +296,6 @@ void time_writer::convert(char16_t conversion)
         break;
     case u't':
         put(u'\t');
-        break;
-    case u'u':
-        number(local_.weekday() == 0 ? 7U : static_cast<unsigned>(local_.weekday()));
-        break;
-    case u'w':
-        number(static_cast<unsigned>(local_.weekday()));
-        break;
-    case u'y':
-        two_digits(local_.year % 100);
         break;
     case u'z':
         zone_offset();
