@@ -98,16 +98,13 @@ extent window_size(const box& root, const extent& frame, const extent& least, co
             .height = std::min(std::max(inside.height + frame.height, least.height), work.height)};
 }
 
-/// How far down the controls reach, with the margin that they have at the top.
-int content_height(const std::vector<placement>& placements)
+/// How far down the controls of a tree reach, with its margin below them.
+int content_height(const box& root, const std::vector<placement>& placements)
 {
-    int top = 0x7FFF;
     int bottom = 0;
-    for (const placement& each : placements) {
-        top = std::min(top, each.place.y);
+    for (const placement& each : placements)
         bottom = std::max(bottom, each.place.y + each.place.height);
-    }
-    return placements.empty() ? 0 : bottom + top;
+    return bottom + (root.control == 0 ? root.padding.bottom : 0);
 }
 
 /// \return the height that the controls need
@@ -116,13 +113,13 @@ int place_dialog(HWND dialog, const box& root, const extent& frame, const area& 
     move_window(dialog, place, 0);
     const area inside{.x = 0, .y = 0, .width = place.width - frame.width, .height = place.height - frame.height};
     std::vector<placement> placements = arrange(root, inside);
-    if (content_height(placements) > inside.height) {
+    if (content_height(root, placements) > inside.height) {
         area beside_bar = inside;
         beside_bar.width -= ::GetSystemMetrics(SM_CXVSCROLL);
         placements = arrange(root, beside_bar);
     }
     place_controls(dialog, placements);
-    return content_height(placements);
+    return content_height(root, placements);
 }
 
 /// Brings a control into sight when it gets the keyboard.

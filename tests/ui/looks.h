@@ -45,9 +45,10 @@ inline std::vector<HWND> children_of(HWND dialog)
     return all;
 }
 
-/// Every control lies inside the dialog and none over another, but the group box `group`.
+/// Every control lies inside the dialog, which needs no scroll bar, and none over another, but the group box `group`.
 inline void expect_tidy(HWND dialog, int group = 0)
 {
+    EXPECT_EQ(::GetWindowLongPtrW(dialog, GWL_STYLE) & (WS_VSCROLL | WS_HSCROLL), 0);
     RECT inside{};
     ::GetClientRect(dialog, &inside);
     ::MapWindowPoints(dialog, nullptr, reinterpret_cast<POINT*>(&inside), 2);
