@@ -56,7 +56,10 @@ private:
 
 template <typename T>
 struct operation_result : operation_end {
-    std::optional<T> value; ///< set before the end is told
+    std::optional<T> value; ///< set before the end is told without an error
+
+    /// What the operation gave, once; its end was told without an error.
+    T take() { return std::move(*value); } // NOLINT(bugprone-unchecked-optional-access)
 };
 template <>
 struct operation_result<void> : operation_end {};
@@ -111,7 +114,7 @@ T RunWithWaitDialog(HWND owner, girder::ui_thread& thread, const std::stop_sourc
     details::run(result, std::move(operation));
     result->await(owner, thread, cancel);
     if constexpr (!std::is_void_v<T>)
-        return std::move(*result->value);
+        return result->take();
 }
 
 } // namespace tidelink

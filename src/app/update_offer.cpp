@@ -94,7 +94,7 @@ void update_offer::on_checked() noexcept
         return;
     }
     try {
-        update_answer answer = std::move(result->value).value();
+        update_answer answer = result->take();
         offer(answer);
     } catch (const std::exception& error) {
         log_error(std::current_exception());

@@ -55,7 +55,8 @@ public:
     T take()
     {
         rethrow_error();
-        return std::move(*value_);
+        // An operation that has ended without an error has given a value.
+        return std::move(*value_); // NOLINT(bugprone-unchecked-optional-access)
     }
 
 private:

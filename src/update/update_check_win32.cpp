@@ -37,7 +37,7 @@ task<update_answer> check_for_update(update_source source, std::uint32_t own_ver
     http::session session(u"");
     open(session);
     update_answer answer;
-    std::u16string address = source.host + check_path(own_version);
+    const std::u16string address = source.host + check_path(own_version);
     const std::string body = co_await session.fetch_document(address, cancelled);
     answer.manifest = read_manifest(body);
     answer.newer = is_newer(answer.manifest.version, own_version);
