@@ -267,7 +267,7 @@ running wait_once(std::chrono::microseconds delay, cancellation cancelled, bool&
     } catch (const girder::operation_cancelled&) {
         was_cancelled = true;
     }
-    co_await mark_and_stay{ended};
+    co_await mark_and_stay(ended);
 }
 
 TEST(cancellable_wait_test, ends_once_whether_by_itself_or_by_a_cancellation)

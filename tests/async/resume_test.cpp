@@ -53,7 +53,7 @@ running observe(task<> operation, outcome& result)
         result.cancelled = true;
     }
     result.thread = ::GetCurrentThreadId();
-    co_await signal_and_stay{result.done.get()};
+    co_await signal_and_stay(result.done.get());
 }
 
 task<> delayed(girder::timer_ticks delay, cancellation cancelled)
@@ -105,6 +105,26 @@ TEST(resume_test, cancelling_ends_a_wait_at_once_before_and_while_it_is_suspende
             ASSERT_TRUE(result.wait()) << cancel_first << timer;
             EXPECT_TRUE(result.cancelled) << cancel_first << timer;
         }
+    }
+}
+
+TEST(resume_test, a_change_of_thread_shows_a_cancellation_when_it_resumes)
+{
+    girder::ui_thread here(WM_APP + 8);
+    const auto to_background = [](cancellation cancelled) -> task<> {
+        co_await girder::resume_background(std::move(cancelled));
+    };
+    const auto to_foreground = [](girder::ui_thread& thread, cancellation cancelled) -> task<> {
+        co_await girder::resume_foreground(thread, std::move(cancelled));
+    };
+    std::stop_source source;
+    source.request_stop();
+    task<> operations[] = {to_background(source.get_token()), to_foreground(here, source.get_token())};
+    for (task<>& operation : operations) {
+        outcome result;
+        const running started = observe(std::move(operation), result);
+        ASSERT_TRUE(result.wait());
+        EXPECT_TRUE(result.cancelled);
     }
 }
 

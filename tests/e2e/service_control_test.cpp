@@ -40,7 +40,11 @@ const shown standalone_not_installed{.status = u"Running as standalone", .start 
 const shown stopped{.status = u"Stopped", .start = u"&Start", .can_start = true};
 const shown stopped_by_others{.status = u"Stopped", .start = u"&Install", .can_start = true};
 const shown standalone{.status = u"Running as standalone", .start = u"&Start"};
+/// A service that is about to start, where nothing was shown before.
+const shown nothing_known{.status = u"", .start = u"&Start", .can_start = true, .can_stop = true};
 const shown running{.status = u"Running", .start = u"&Start", .can_stop = true};
+
+constexpr unsigned an_hour_ms = 3'600'000;
 
 /// Looks for the wait dialog all the time, from a thread of its own.
 class wait_dialog_watch {
@@ -249,23 +253,28 @@ TEST_F(service_control_test, cancelling_an_installation_leaves_it_to_end_by_itse
     EXPECT_TRUE(eventually([] { return demo_service::exists(); }));
 }
 
-TEST_F(service_control_test, a_start_that_never_ends_is_left_by_escape)
+TEST_F(service_control_test, a_start_that_never_ends_is_left_by_escape_and_changes_nothing_that_is_shown)
 {
     service_.install();
-    service_.set(L"service", L"start_ms", 4000);
-    const utility program(service_.program());
-    program.control(id::start).post_click();
-    const ui_driver::dialog box = program.message(wait_title);
-    const auto begin = clock::now();
-    ::PostMessageW(box.handle(), WM_CLOSE, 0, 0);
-    box.wait_until_closed();
-    EXPECT_LT(clock::now() - begin, 500ms);
-    EXPECT_EQ(demo_service::state(), DWORD{SERVICE_START_PENDING});
-    EXPECT_EQ(state_of(program), stopped) << "what was shown before a service is about to start stays";
-    EXPECT_TRUE(ui_driver::find_dialogs(error_title).empty());
-    EXPECT_TRUE(eventually([] { return demo_service::state() == SERVICE_RUNNING; }));
-    activate(program);
-    EXPECT_EQ(state_of(program), running);
+    service_.set(L"service", L"start_ms", an_hour_ms);
+    {
+        const utility program(service_.program());
+        program.control(id::start).post_click();
+        const ui_driver::dialog box = program.message(wait_title);
+        const auto begin = clock::now();
+        ::PostMessageW(box.handle(), WM_KEYDOWN, VK_ESCAPE, 0);
+        box.wait_until_closed();
+        EXPECT_LT(clock::now() - begin, 500ms);
+        EXPECT_EQ(demo_service::state(), DWORD{SERVICE_START_PENDING});
+        EXPECT_EQ(state_of(program), stopped);
+        EXPECT_TRUE(ui_driver::find_dialogs(error_title).empty());
+        EXPECT_EQ(program.close(), 0U);
+    }
+    const utility started_meanwhile(service_.program());
+    EXPECT_EQ(state_of(started_meanwhile), nothing_known);
+    demo_service::remove();
+    activate(started_meanwhile);
+    EXPECT_EQ(state_of(started_meanwhile), not_installed);
 }
 
 TEST_F(service_control_test, what_the_service_manager_refuses_is_reported)
