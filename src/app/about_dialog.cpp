@@ -23,8 +23,8 @@ namespace {
 
 constexpr std::u16string_view product_name = u"Zelmark Tidelink Port Server";
 
-/// The lines of links below the text; here is the place for more of them.
-std::u16string link_lines(std::u16string_view about)
+/// The link below the text.
+std::u16string vendor_link(std::u16string_view about)
 {
     // The vendor's address is declared with the About text.
     constexpr std::u16string_view scheme = u"https://";
@@ -34,7 +34,7 @@ std::u16string link_lines(std::u16string_view about)
     const std::u16string& vendor = read.addresses.back();
     const std::u16string_view shown =
         std::u16string_view(vendor).substr(vendor.starts_with(scheme) ? scheme.size() : 0);
-    return u"[[[h" + vendor + u"|" + escaped_markup(shown) + u"]]]";
+    return link_markup(vendor, shown);
 }
 
 } // namespace
@@ -65,7 +65,7 @@ bool AboutDialog::on_initialise()
     // What a screen reader calls the picture.
     set_window_text(control(IDC_ABOUT_LOGO), product_name);
     set_window_text(control(IDC_ABOUT_TEXT), about);
-    set_window_text(control(IDC_ABOUT_LINKS), link_lines(about));
+    set_window_text(control(IDC_ABOUT_LINKS), vendor_link(about) + further_links_);
     set_window_text(control(IDCANCEL), text(string_id::close));
     replace_by_rich_view(window(), IDC_ABOUT_TEXT);
     replace_by_rich_view(window(), IDC_ABOUT_LINKS);

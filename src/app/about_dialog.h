@@ -8,6 +8,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace tidelink {
 
@@ -17,6 +18,9 @@ std::u16string about_text(const girder::product_version& version);
 /// The About box, dialog template 108. COM has to be there.
 class AboutDialog : public girder::ui::dialog {
 public:
+    /// \param further_links  markup of lines below the vendor's link, each of which begins with a line feed
+    explicit AboutDialog(std::u16string further_links = {}) : further_links_(std::move(further_links)) {}
+
     /// Shows the box until it is closed.
     /// \param owner  disabled meanwhile; the box is centred on it and has its DPI
     /// \throws girder::system_error
@@ -32,6 +36,7 @@ protected:
 private:
     void draw_logo(const DRAWITEMSTRUCT& place);
 
+    std::u16string further_links_;
     HWND owner_ = nullptr;
     std::optional<girder::ui::picture> logo_; ///< empty where it cannot be decoded
 };

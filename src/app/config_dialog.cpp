@@ -311,7 +311,7 @@ void ConfigDialog::on_security()
 
 void ConfigDialog::on_about()
 {
-    AboutDialog().show(window());
+    AboutDialog(update_ ? update_->announcements() : std::u16string()).show(window());
 }
 
 void ConfigDialog::on_language_selected()

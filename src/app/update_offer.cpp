@@ -2,6 +2,7 @@
 
 #include "app/error_log.h"
 #include "app/message_texts.h"
+#include "base/file_time.h"
 #include "base/product_version.h"
 #include "base/win32_error.h"
 #include "format/compile.h"
@@ -9,6 +10,8 @@
 #include "localisation/string_tables.h"
 #include "string_ids.h"
 #include "ui/message_box.h"
+#include "ui/rich_text.h"
+#include "update/announcements.h"
 #include "update/encoded_version.h"
 #include "update/installer_file.h"
 
@@ -28,6 +31,12 @@ std::u16string text_with_version(std::uint32_t string, std::uint32_t version, co
     const girder::product_version parts = decode(version);
     return fmtkit::format(fmtkit::compile(text(string)), parts.major, parts.minor, parts.build, parts.revision,
                           more...);
+}
+
+std::u16string link_line(std::u16string_view address, std::u16string_view text)
+{
+    const std::u16string markup = girder::ui::link_markup(address, text);
+    return markup.empty() ? markup : u'\n' + markup;
 }
 
 } // namespace
@@ -50,6 +59,18 @@ void update_offer::start_later()
 {
     if (!settings_.source.host.empty())
         ::SetTimer(dialog_.window(), timer_id, delay_ms, nullptr);
+}
+
+std::u16string update_offer::announcements() const
+{
+    std::u16string lines;
+    if (const Promo* const promo = current_promo(manifest_, day_of(girder::system_now())))
+        lines += link_line(promo->url, single_line(promo->title));
+    const std::u16string packs = newer_packs(manifest_, language_packs(), encode(girder::read_product_version()));
+    if (!packs.empty())
+        lines +=
+            link_line(settings_.page, fmtkit::format(fmtkit::compile(text(string_id::newer_language_packs)), packs));
+    return lines;
 }
 
 bool update_offer::on_timer(WPARAM timer)
@@ -95,6 +116,7 @@ void update_offer::on_checked() noexcept
     }
     try {
         update_answer answer = result->take();
+        manifest_ = std::move(answer.manifest);
         offer(answer);
     } catch (const std::exception& error) {
         log_error(std::current_exception());
@@ -107,9 +129,9 @@ void update_offer::offer(update_answer& answer)
     if (!answer.newer)
         return;
     if (!answer.installer) {
-        show_page(answer.manifest.version);
+        show_page();
     } else if (ask_yes_no(dialog_.window(), text(string_id::product_name),
-                          text_with_version(string_id::update_offer, answer.manifest.version),
+                          text_with_version(string_id::update_offer, manifest_.version),
                           girder::ui::message_icon::question)) {
         upgrade(*answer.installer);
     }
@@ -131,10 +153,10 @@ void update_offer::upgrade(prepared_installer& installer)
         girder::throw_last_error("PostMessageW");
 }
 
-void update_offer::show_page(std::uint32_t version)
+void update_offer::show_page()
 {
     const girder::ui::message_button ok[] = {{.id = IDOK, .text = text(string_id::ok)}};
-    const std::u16string message = text_with_version(string_id::update_page, version, settings_.page);
+    const std::u16string message = text_with_version(string_id::update_page, manifest_.version, settings_.page);
     girder::ui::show_message_box(dialog_.window(), {.title = text(string_id::product_name),
                                                     .text = message,
                                                     .icon = girder::ui::message_icon::information,

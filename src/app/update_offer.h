@@ -35,6 +35,9 @@ public:
 
     /// The check starts two seconds after the dialog has nothing else to do.
     void start_later();
+    /// What the last answer announced, as markup: lines of links, each of which begins with a line feed. Empty before.
+    std::u16string announcements() const;
+
     /// \return whether the timer was this object's
     bool on_timer(WPARAM timer);
 
@@ -45,13 +48,14 @@ private:
     void on_checked() noexcept;
     void offer(update_answer& answer);
     void upgrade(prepared_installer& installer);
-    void show_page(std::uint32_t version);
+    void show_page();
 
     girder::ui_thread& thread_;
     girder::ui::dialog& dialog_;
     settings settings_;
     changes changes_;
     std::stop_source cancel_;
+    Manifest manifest_; ///< of the last answer
     std::shared_ptr<check_result> result_;
     std::shared_ptr<update_offer*> alive_ = std::make_shared<update_offer*>(this); ///< for what was posted
 };

@@ -9,6 +9,8 @@ namespace {
 
 constexpr std::u16string_view opening = u"[[[";
 constexpr std::u16string_view closing = u"]]]";
+/// What no address of a link holds.
+constexpr std::u16string_view address_ends = u"|[]\n";
 
 bool is_digit(char16_t unit) noexcept
 {
@@ -51,7 +53,7 @@ std::optional<token> link_mark(std::u16string_view source, std::u16string_view r
 {
     if (!rest.starts_with(u"h"))
         return std::nullopt;
-    const std::size_t end = rest.find_first_of(u"|[]\n");
+    const std::size_t end = rest.find_first_of(address_ends);
     if (end == std::u16string_view::npos || !is_safe_address(rest.substr(1, end - 1)))
         return std::nullopt;
     const bool with_text = rest[end] == u'|';
@@ -232,6 +234,14 @@ std::u16string escaped_markup(std::u16string_view text)
             markup += unit;
     }
     return markup;
+}
+
+std::u16string link_markup(std::u16string_view address, std::u16string_view text)
+{
+    if (!is_safe_address(address) || address.find_first_of(address_ends) != std::u16string_view::npos)
+        return {};
+    std::u16string markup(opening);
+    return markup.append(u"h").append(address).append(u"|").append(escaped_markup(text)).append(closing);
 }
 
 bool is_safe_address(std::u16string_view address) noexcept

@@ -52,6 +52,9 @@ rich_text parse_markup(std::u16string_view markup);
 /// The markup that shows exactly this text, wherever it is put into other markup.
 std::u16string escaped_markup(std::u16string_view text);
 
+/// The markup of a link that shows a plain text. Empty for an address that no link may lead to.
+std::u16string link_markup(std::u16string_view address, std::u16string_view text);
+
 /// Whether an address may be handed to the system's shell: https or mailto, in visible ASCII (RFC 3986) without
 /// quotation marks. Any other text could start a program.
 bool is_safe_address(std::u16string_view address) noexcept;

@@ -66,14 +66,6 @@ constexpr nsm::field_table manifest_fields{
     nsm::field{.name = "Installer", .member = &Manifest::installer},
 };
 
-bool starts_with_in_any_case(std::u16string_view text, std::u16string_view lower)
-{
-    return text.size() >= lower.size() &&
-           std::ranges::equal(text.substr(0, lower.size()), lower, {}, [](char16_t unit) {
-               return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit | 0x20) : unit;
-           });
-}
-
 } // namespace
 
 // How the fields are read; found by their types' namespace.
@@ -128,9 +120,17 @@ std::u16string check_path(std::uint32_t own_version)
     return fmtkit::format(u"/dispatch/tps-server7/checkforupdates?ver={}"_fmt, own_version);
 }
 
+bool is_https(std::u16string_view url) noexcept
+{
+    constexpr std::u16string_view scheme = u"https://";
+    return std::ranges::equal(url.substr(0, scheme.size()), scheme, {}, [](char16_t unit) {
+        return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit | 0x20) : unit;
+    });
+}
+
 std::optional<std::u16string> address_below(std::u16string_view host, std::u16string_view url)
 {
-    if (starts_with_in_any_case(url, u"https://"))
+    if (is_https(url))
         return std::u16string(url);
     // Two slashes, or a backslash, which browsers take for one, would name another host.
     if (!url.starts_with(u'/') || url.substr(1).starts_with(u'/') || url.find(u'\\') != std::u16string_view::npos)

@@ -89,6 +89,14 @@ TEST(escaped_markup_test, shows_any_text_whatever_stands_around_it)
     }
 }
 
+TEST(link_markup_test, shows_any_text_and_lets_no_address_become_text)
+{
+    EXPECT_EQ(described(parse_markup(u"x" + link_markup(u"https://a", u"]]] [[[bb|c") + u"y")),
+              u"{x}{<https://a> ]]] [[[bb|c}{y}");
+    for (const std::u16string_view address : {u"http://a", u"https://a|[[[bb", u"https://a]]]b", u"https://[1]"})
+        EXPECT_EQ(link_markup(address, u"text"), u"");
+}
+
 TEST(rich_text_test, text_of_a_link_is_put_together)
 {
     EXPECT_EQ(parse_markup(u"x[[[hhttps://a|one [[[btwo]]]]]]y").link_text(0), u"one two");
