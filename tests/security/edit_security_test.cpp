@@ -20,17 +20,6 @@ std::optional<access_list> edited_list(Script script)
     return sddl.empty() ? std::nullopt : entries_of(ParseDescriptor(sddl));
 }
 
-TEST(edit_security_test, ok_without_a_change_gives_the_normalised_list)
-{
-    EXPECT_EQ(edited_list([](open_editor& editor) {
-                  EXPECT_EQ(editor.shown, list_of("+WD", support::in_editor));
-                  EXPECT_EQ(editor.title, u"The object");
-                  EXPECT_EQ(editor.right, u"Use it");
-                  return true;
-              }),
-              list_of("own +WD"));
-}
-
 TEST(edit_security_test, what_was_applied_last_counts_when_the_editor_closes_with_ok)
 {
     for (const auto& [applied, stored] : {std::pair("+WD +u7", "own +WD +u7"), std::pair("-WD", "own -WD"),
