@@ -4,14 +4,13 @@
 #include "base/handles.h"
 #include "base/system_error.h"
 #include "localisation/string_tables.h"
-#include "support/detached.h"
+#include "support/counted.h"
 
 #include <windows.h>
 
 #include <commctrl.h>
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <chrono>
 #include <string>
 #include <thread>
@@ -25,18 +24,8 @@ using girder::cancellation;
 using girder::operation_cancelled;
 using girder::task;
 using girder::unique_kernel_handle;
+using support::counted;
 using clock = std::chrono::steady_clock;
-
-/// Counts the objects that are alive, on any thread.
-struct counted {
-    counted() noexcept { ++alive; }
-    counted(const counted&) noexcept { ++alive; }
-    counted& operator=(const counted&) = default;
-    ~counted() { --alive; }
-
-    static std::atomic<int> alive;
-};
-std::atomic<int> counted::alive = 0;
 
 task<int> number_after(std::chrono::milliseconds delay, int number, cancellation cancelled)
 {

@@ -42,31 +42,6 @@ TEST(byte_lock_test, one_holder_at_a_time)
     EXPECT_EQ(counter, threads * rounds);
 }
 
-TEST(continuation_test, of_many_who_ask_one_continues_the_operation)
-{
-    constexpr int askers = 4;
-    constexpr int rounds = 2000;
-    std::atomic<int> round_begun = 0;
-    std::atomic<int> claims = 0;
-    std::vector<std::unique_ptr<girder::details::continuation>> waiting;
-    for (int i = 0; i < rounds; ++i)
-        waiting.push_back(std::make_unique<girder::details::continuation>(std::noop_coroutine()));
-    {
-        std::vector<std::jthread> threads;
-        for (int i = 0; i < askers; ++i)
-            threads.emplace_back([&] {
-                for (int round = 0; round < rounds; ++round) {
-                    // All ask at the same moment.
-                    for (++round_begun; round_begun < askers * (round + 1);)
-                        std::this_thread::yield();
-                    if (waiting[static_cast<std::size_t>(round)]->claim())
-                        ++claims;
-                }
-            });
-    }
-    EXPECT_EQ(claims, rounds);
-}
-
 /// A thread that runs what it is given, in order.
 class worker {
 public:

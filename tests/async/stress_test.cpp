@@ -3,16 +3,17 @@
 #include "async/ui_thread.h"
 #include "base/system_error.h"
 #include "base/win32_error.h"
+#include "support/counted.h"
 #include "support/detached.h"
 
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <deque>
 
 namespace {
 
 using girder::task;
+using support::counted;
 using support::running;
 
 constexpr UINT message_number = WM_APP + 10;
@@ -20,16 +21,6 @@ constexpr int all_tasks = 10'000;
 /// A thread's queue takes 10,000 messages.
 constexpr int at_a_time = 500;
 constexpr int round_trips = 4;
-
-struct counted {
-    counted() noexcept { ++alive; }
-    counted(const counted&) = delete;
-    counted& operator=(const counted&) = delete;
-    ~counted() { --alive; }
-
-    static std::atomic<int> alive;
-};
-std::atomic<int> counted::alive = 0;
 
 task<> hop(girder::ui_thread& ui, int number)
 {
