@@ -2,18 +2,17 @@
 
 #include "device_database/device_database.h"
 #include "settings_key.h"
+#include "support/handle_count.h"
 #include "support/reload_listener.h"
 #include "ui_driver/polling.h"
 #include "utility.h"
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <string>
 
 namespace e2e {
-
-/// The program looks for updates two seconds after its start: as many handles, the system's libraries keep at most.
-inline constexpr std::size_t handles_of_update_check = 40;
 
 /// A machine with the ports COM1, COM3, COM7 and COM10, and nothing stored.
 class machine_test : public testing::Test {
@@ -33,6 +32,27 @@ protected:
 inline bool heard(const support::reload_listener& server, int times)
 {
     return ui_driver::eventually([&] { return server.signals() >= times; }) && server.signals() == times;
+}
+
+/// The program holds no more handles after `rounds` of an action than before. It looks for updates two seconds after
+/// its start: as many as the system's libraries keep of that at most are left out.
+template <typename Action>
+void expect_no_more_handles(const utility& program, int rounds, Action action)
+{
+    constexpr int warm_up = 10;
+    constexpr std::size_t kept_by_libraries = 40;
+    const auto count_after_action = [&] {
+        action();
+        return support::handle_count(program.process_id());
+    };
+    std::size_t before = 0;
+    for (int round = 0; round < warm_up; ++round)
+        before = std::max(before, count_after_action());
+    ASSERT_GT(before, 0U);
+    std::size_t after = 0;
+    for (int round = 0; round < rounds && !testing::Test::HasFailure(); ++round)
+        after = count_after_action();
+    EXPECT_LE(after, before + kept_by_libraries);
 }
 
 } // namespace e2e

@@ -91,10 +91,6 @@ protected:
                 .can_start = window.item(id::start).enabled(),
                 .can_stop = window.item(id::stop).enabled()};
     }
-    static bool shows(const utility& program, const shown& expected)
-    {
-        return eventually([&] { return state_of(program) == expected; });
-    }
     /// What other programs' windows cause by going to the front and leaving it.
     static void activate(const utility& program)
     {
@@ -162,25 +158,33 @@ TEST_F(service_control_test, a_standalone_server_takes_both_buttons)
     EXPECT_EQ(state_of(program), standalone);
 }
 
-TEST_F(service_control_test, a_slow_start_shows_the_wait_dialog_until_it_ends)
+TEST_F(service_control_test, a_slow_start_and_a_slow_stop_show_the_wait_dialog_until_they_end)
 {
     service_.install();
     service_.set(L"service", L"start_ms", 3000);
+    service_.set(L"service", L"stop_ms", 1500);
     const utility program(service_.program());
     const HWND window = program.window().handle();
     EXPECT_EQ(state_of(program), stopped);
+    {
+        wait_dialog_watch watch(program.process_id());
+        program.control(id::start).post_click();
+        const ui_driver::dialog box = program.message(wait_title);
+        EXPECT_FALSE(::IsWindowEnabled(window));
+        EXPECT_EQ(::GetWindow(box.handle(), GW_OWNER), window);
+        ui_driver::send(window, WM_COMMAND, id::stop);
+        EXPECT_TRUE(box.exists()) << "a second command does nothing meanwhile";
+        box.wait_until_closed();
+        EXPECT_EQ(state_of(program), running);
+        const auto seen = watch.first_seen();
+        EXPECT_GE(seen, 450ms);
+        EXPECT_LE(seen, 1500ms);
+    }
     wait_dialog_watch watch(program.process_id());
-    program.control(id::start).post_click();
-    const ui_driver::dialog box = program.message(wait_title);
-    EXPECT_FALSE(::IsWindowEnabled(window));
-    EXPECT_EQ(::GetWindow(box.handle(), GW_OWNER), window);
-    ui_driver::send(window, WM_COMMAND, id::stop);
-    EXPECT_TRUE(box.exists()) << "a second command does nothing meanwhile";
-    box.wait_until_closed();
-    EXPECT_EQ(state_of(program), running);
-    const auto seen = watch.first_seen();
-    EXPECT_GE(seen, 450ms);
-    EXPECT_LE(seen, 1500ms);
+    EXPECT_GE(perform(program, id::stop), 1500ms);
+    EXPECT_TRUE(watch.first_seen());
+    EXPECT_EQ(state_of(program), stopped);
+    EXPECT_EQ(demo_service::state(), DWORD{SERVICE_STOPPED});
     EXPECT_TRUE(ui_driver::find_dialogs(error_title).empty());
 }
 
@@ -202,19 +206,6 @@ TEST_F(service_control_test, a_quick_stop_shows_nothing)
         }
     }
     FAIL() << "no stop was quick";
-}
-
-TEST_F(service_control_test, a_slow_stop_is_waited_for)
-{
-    service_.install();
-    service_.set(L"service", L"stop_ms", 1500);
-    service_.start();
-    const utility program(service_.program());
-    wait_dialog_watch watch(program.process_id());
-    EXPECT_GE(perform(program, id::stop), 1500ms);
-    EXPECT_TRUE(watch.first_seen());
-    EXPECT_EQ(state_of(program), stopped);
-    EXPECT_EQ(demo_service::state(), DWORD{SERVICE_STOPPED});
 }
 
 TEST_F(service_control_test, a_failing_installation_is_reported_and_can_be_repeated)

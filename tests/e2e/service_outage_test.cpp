@@ -76,35 +76,31 @@ TEST_F(service_outage_test, without_the_service_manager_both_buttons_are_disable
     expect_standalone(program);
 }
 
-TEST_F(service_outage_test, a_start_whose_state_cannot_be_read_any_more_ends_without_an_error)
+TEST_F(service_outage_test, a_state_that_cannot_be_read_any_more_ends_a_start_silently_and_a_stop_with_an_error)
 {
-    service_.set(L"service", L"start_ms", 30'000);
-    service_.install();
-    const utility program(service_.program());
-    program.control(id::start).post_click();
-    const ui_driver::dialog box = program.message(wait_title);
-    let_the_call_return();
-    end_service_manager();
-    box.wait_until_closed();
-    expect_standalone(program);
-}
-
-TEST_F(service_outage_test, a_stop_whose_state_cannot_be_read_any_more_is_an_error)
-{
-    service_.set(L"service", L"stop_ms", 30'000);
-    service_.install();
-    service_.start();
-    const utility program(service_.program());
-    program.control(id::stop).post_click();
-    const ui_driver::dialog box = program.message(wait_title);
-    let_the_call_return();
-    end_service_manager();
-    box.wait_until_closed();
-    const ui_driver::dialog error = program.message(error_title);
-    EXPECT_EQ(utility::text_of(error),
-              "Error " + girder::to_utf8(girder::system_message(RPC_S_SERVER_UNAVAILABLE)) + " (0x000006ba)");
-    utility::answer(error, id::ok);
-    expect_standalone(program);
+    constexpr unsigned longer_than_the_test_ms = 30'000;
+    for (const auto& [button, delay] : {std::pair(id::start, L"start_ms"), std::pair(id::stop, L"stop_ms")}) {
+        ensure_service_manager();
+        demo_service::remove();
+        service_.set(L"service", L"start_ms", 0);
+        service_.set(L"service", delay, longer_than_the_test_ms);
+        service_.install();
+        if (button == id::stop)
+            service_.start();
+        const utility program(service_.program());
+        program.control(button).post_click();
+        const ui_driver::dialog box = program.message(wait_title);
+        let_the_call_return();
+        end_service_manager();
+        box.wait_until_closed();
+        if (button == id::stop) {
+            const ui_driver::dialog error = program.message(error_title);
+            EXPECT_EQ(utility::text_of(error),
+                      "Error " + girder::to_utf8(girder::system_message(RPC_S_SERVER_UNAVAILABLE)) + " (0x000006ba)");
+            utility::answer(error, id::ok);
+        }
+        expect_standalone(program);
+    }
 }
 
 } // namespace
