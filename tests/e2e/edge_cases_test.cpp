@@ -63,18 +63,6 @@ TEST_F(edge_case_test, a_save_removes_foreign_values_and_values_that_are_back_at
     EXPECT_THAT(settings_key::read(), ElementsAre(Pair(u"sharedPorts", ports({1, 3, 7, 10}))));
 }
 
-TEST_F(edge_case_test, settings_without_a_control_survive_a_save)
-{
-    const stored_value descriptor = text(u"D:(A;;0xc0100000;;;BA)");
-    settings_key::write(u"securityDescriptor", descriptor);
-    const utility program;
-    program.control(id::share_selected).click();
-    program.check_ports({1});
-    program.control(id::apply).click();
-    EXPECT_THAT(settings_key::read(),
-                ElementsAre(Pair(u"securityDescriptor", descriptor), Pair(u"sharedPorts", ports({1}))));
-}
-
 TEST_F(edge_case_test, a_check_mark_is_a_change_and_a_selection_is_none)
 {
     settings_key::write(u"sharedPorts", ports({3}));
@@ -100,31 +88,6 @@ TEST_F(edge_case_test, without_ports_the_list_is_empty_and_everything_else_works
     program.control(id::apply).click();
     EXPECT_THAT(settings_key::read(), IsEmpty());
     EXPECT_FALSE(program.apply_enabled());
-}
-
-TEST_F(edge_case_test, choosing_the_current_language_again_does_nothing)
-{
-    settings_key::write(u"language", text(u"en"));
-    const utility program;
-    const HWND combo = program.control(id::language).handle();
-    EXPECT_EQ(ui_driver::send(combo, CB_GETCURSEL), 0);
-    // Unanswered, a question would hold this up.
-    ui_driver::send(program.window().handle(), WM_COMMAND, MAKEWPARAM(id::language, CBN_SELCHANGE),
-                    reinterpret_cast<LPARAM>(combo));
-    EXPECT_FALSE(program.apply_enabled());
-}
-
-TEST_F(edge_case_test, answering_no_to_the_restart_leaves_the_change_to_apply)
-{
-    const utility program;
-    program.choose_language(0);
-    const ui_driver::dialog question = program.message(question_title);
-    EXPECT_EQ(utility::text_of(question), "You need to restart Tidelink Port Server to apply language change. Do you "
-                                          "want to restart now?");
-    utility::answer(question, id::no);
-    EXPECT_TRUE(program.apply_enabled());
-    EXPECT_THAT(settings_key::read(), IsEmpty());
-    EXPECT_EQ(program.close(), 0U);
 }
 
 class absent_port_test : public machine_test {

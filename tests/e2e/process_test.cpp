@@ -74,20 +74,6 @@ TEST_F(process_test, the_running_marker_lives_as_long_as_the_program)
     EXPECT_TRUE(ui_driver::eventually([&] { return !marked(); }));
 }
 
-TEST_F(process_test, a_restart_saves_and_starts_one_new_copy_when_the_old_window_is_gone)
-{
-    const utility first;
-    first.choose_language(0);
-    utility::answer(first.message(question_title), id::yes);
-    EXPECT_EQ(first.exit_code(), 0U);
-    EXPECT_THAT(settings_key::read(), testing::Contains(testing::Pair(u"language", text(u"en"))));
-    const ui_driver::dialog again = ui_driver::wait_for_dialog(main_window_title);
-    EXPECT_EQ(ui_driver::find_dialogs(main_window_title).size(), 1U);
-    EXPECT_FALSE(again.item(id::apply).enabled());
-    again.post_close();
-    again.wait_until_closed();
-}
-
 TEST_F(process_test, handles_do_not_grow_over_200_saves)
 {
     const support::reload_listener server;

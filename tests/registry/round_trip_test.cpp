@@ -158,27 +158,6 @@ TEST_F(registry_test, arrays_are_subkeys_with_counted_elements)
     EXPECT_THAT(seen, ElementsAre("7", "null", "structure 2", "inner", "9"));
 }
 
-TEST_F(registry_test, both_representations_of_a_number_list_read_the_same)
-{
-    const std::vector<std::uint32_t> numbers = {3, 1, 0xFFFFFFFF};
-    {
-        const auto writer = store().open_for_writing();
-        nsm::write_value(*writer, "blob", numbers);
-        writer->begin_array("array", 3);
-        for (const std::uint32_t number : numbers)
-            writer->write_unsigned({}, number);
-        writer->end_array();
-    }
-    EXPECT_EQ(stored(L"", L"blob"), std::pair(DWORD{REG_BINARY}, DWORD{12}));
-    for (const char* const name : {"blob", "array"}) {
-        read_member(name, 0, [&](const value_reader& value) {
-            std::vector<std::uint32_t> read;
-            nsm::read_value(value, read);
-            EXPECT_EQ(read, numbers) << name;
-        });
-    }
-}
-
 TEST_F(registry_test, a_shorter_array_replaces_a_longer_one)
 {
     for (const std::uint32_t count : {3U, 1U}) {
