@@ -4,20 +4,17 @@
 
 #include <windows.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <cwchar>
+#include <filesystem>
+#include <fstream>
 
 namespace {
 
 void record(const char* what)
 {
-    const wchar_t* const path = ::_wgetenv(L"TIDELINK_INSTALLER_RECORD");
-    std::FILE* const file = path ? ::_wfopen(path, L"ab") : nullptr;
-    if (!file)
-        return;
-    std::fputs(what, file);
-    std::fclose(file);
+    if (const wchar_t* const path = ::_wgetenv(L"TIDELINK_INSTALLER_RECORD"))
+        std::ofstream(std::filesystem::path(path), std::ios::app | std::ios::binary) << what;
 }
 
 bool has_ended_well(HANDLE process)
