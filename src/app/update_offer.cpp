@@ -103,7 +103,8 @@ void update_offer::start()
 void update_offer::on_checked() noexcept
 {
     const HWND window = dialog_.window();
-    if (!window)
+    // A timer message may be another program's, and come before the end of the check or after its answer.
+    if (!window || !result_ || !result_->told())
         return;
     if (!::IsWindowEnabled(window)) {
         ::SetTimer(window, timer_id, retry_ms, nullptr);

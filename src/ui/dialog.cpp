@@ -18,6 +18,13 @@ bool returns_its_result(UINT message) noexcept
            message == WM_VKEYTOITEM || message == WM_CHARTOITEM || message == WM_QUERYDRAGICON;
 }
 
+/// Copies what a message's parameter points at. \return false when that is no memory: another program can send it too
+bool copy_from(LPARAM address, RECT& rectangle) noexcept
+{
+    return ::ReadProcessMemory(::GetCurrentProcess(), reinterpret_cast<const void*>(address), &rectangle,
+                               sizeof rectangle, nullptr) != FALSE;
+}
+
 } // namespace
 
 dialog::~dialog()
@@ -159,8 +166,9 @@ INT_PTR dialog::initialise() noexcept
 
 INT_PTR dialog::handle(UINT message, WPARAM wparam, LPARAM lparam) noexcept
 {
+    // Another program can send it again.
     if (message == WM_INITDIALOG)
-        return initialise();
+        return stage_ == stage::creating ? initialise() : FALSE;
     LRESULT result = command_message_ != 0 && message == command_message_ ? 1 : 0;
     bool handled = true;
     try {
@@ -180,8 +188,9 @@ INT_PTR dialog::handle(UINT message, WPARAM wparam, LPARAM lparam) noexcept
 
 bool dialog::dispatch(UINT message, WPARAM wparam, LPARAM lparam, LRESULT& result)
 {
+    // The user gives no command to a dialog behind a modal one; from another program, each could open one more.
     if (message == WM_COMMAND || (command_message_ != 0 && message == command_message_))
-        return on_command(wparam, lparam);
+        return ::IsWindowEnabled(window_) && on_command(wparam, lparam);
     if (message == WM_NOTIFY)
         return on_notify(*reinterpret_cast<const NMHDR*>(lparam), result);
     if (on_message(message, wparam, lparam, result))
@@ -194,7 +203,8 @@ bool dialog::dispatch(UINT message, WPARAM wparam, LPARAM lparam, LRESULT& resul
             ::SendMessageW(child, message, wparam, lparam);
     if (layout_.on_message(window_, message, wparam))
         return true;
-    return message == WM_DPICHANGED && change_dpi(LOWORD(wparam), *reinterpret_cast<const RECT*>(lparam));
+    RECT suggested{};
+    return message == WM_DPICHANGED && copy_from(lparam, suggested) && change_dpi(LOWORD(wparam), suggested);
 }
 
 } // namespace girder::ui
