@@ -11,22 +11,6 @@ protected:
     {
         return ui_driver::find_dialogs(main_window_title, program.process_id()).at(0);
     }
-
-    /// The system's editor, whose title is the system's: the window that the main window is disabled for.
-    static ui_driver::dialog open_editor(const utility& program)
-    {
-        const HWND main = main_window(program).handle();
-        HWND editor = nullptr;
-        const auto is_open = [&] {
-            for (HWND window = nullptr; (window = ::FindWindowExW(nullptr, window, nullptr, nullptr)) != nullptr;)
-                if (::GetWindow(window, GW_OWNER) == main && ::IsWindowVisible(window) && ::IsWindowEnabled(window))
-                    editor = window;
-            return editor != nullptr && !::IsWindowEnabled(main);
-        };
-        if (!ui_driver::eventually(is_open))
-            throw ui_driver::timed_out("no editor");
-        return ui_driver::dialog(editor);
-    }
 };
 
 TEST_F(access_test, ok_in_the_systems_editor_is_a_change_and_apply_stores_the_normalised_list)
@@ -37,7 +21,7 @@ TEST_F(access_test, ok_in_the_systems_editor_is_a_change_and_apply_stores_the_no
     const utility program;
     EXPECT_EQ(program.control(id::access_words).text(), u"1 account or group");
     program.control(id::security).post_click();
-    utility::answer(open_editor(program), id::ok);
+    utility::answer(program.access_editor(), id::ok);
     EXPECT_TRUE(ui_driver::eventually([&] { return program.apply_enabled(); }));
     EXPECT_EQ(stored(), before) << "not before Apply";
     program.control(id::apply).click();
@@ -50,7 +34,7 @@ TEST_F(access_test, the_main_window_closes_under_the_open_editor)
 {
     const utility program;
     program.control(id::security).post_click();
-    open_editor(program);
+    program.access_editor();
     main_window(program).post_close();
     EXPECT_EQ(program.exit_code(), 0U);
     EXPECT_FALSE(settings_key::read().contains(u"securityDescriptor"));

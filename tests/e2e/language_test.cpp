@@ -125,6 +125,29 @@ TEST_F(language_test, a_pack_in_use_is_not_open_for_writing)
     EXPECT_FALSE(std::ofstream(pack, std::ios::trunc).is_open()) << "it is mapped";
 }
 
+TEST_F(language_test, a_pack_that_goes_or_is_replaced_serves_until_the_end)
+{
+    const std::filesystem::path pack = add_pack(u"de");
+    settings_key::write(u"language", text(u"de"));
+    const std::filesystem::path away = pack.wstring() + L".away";
+    for (const bool replaced : {false, true}) {
+        {
+            const utility german;
+            EXPECT_EQ(apply_text(german), "Übernehmen");
+            std::filesystem::rename(pack, away);
+            if (replaced)
+                add_pack(u"ja", pack.filename().u16string());
+            german.choose_language(0);
+            const ui_driver::dialog question = german.message(question_title);
+            EXPECT_EQ(girder::to_utf8(question.item(id::yes).text()), "Ja");
+            utility::answer(question, id::no);
+            EXPECT_EQ(german.close(), 0U);
+        }
+        EXPECT_EQ(apply_text(utility()), replaced ? "適用" : "Apply");
+        std::filesystem::rename(away, pack);
+    }
+}
+
 /// The processes that run this program now.
 std::vector<DWORD> running_copies()
 {

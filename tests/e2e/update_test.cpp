@@ -184,6 +184,23 @@ TEST_F(update_test, a_release_without_an_installer_is_told)
     EXPECT_EQ(program.close(), 0U);
 }
 
+TEST_F(update_test, a_timer_message_of_another_program_during_the_look_changes_nothing)
+{
+    constexpr WPARAM timer_of_update_check = 0x5550;
+    trust_authority();
+    play("manifest_stalled");
+    const utility program;
+    const ui_driver::dialog window = program.window();
+    EXPECT_TRUE(eventually([] { return requests() == 1; }));
+    for (int times = 0; times < 3; ++times)
+        ::PostMessageW(window.handle(), WM_TIMER, timer_of_update_check, 0);
+    ui_driver::send(window.handle(), WM_NULL);
+    EXPECT_TRUE(eventually([&] { return answers(window); }));
+    EXPECT_TRUE(ui_driver::find_dialogs(error_title, program.process_id()).empty());
+    EXPECT_EQ(requests(), 1U);
+    EXPECT_EQ(program.close(), 0U);
+}
+
 struct silent_case {
     const char* name;
     std::size_t requests;

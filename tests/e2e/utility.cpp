@@ -13,6 +13,7 @@ using ui_driver::timed_out;
 
 std::u16string program_under_test;
 std::u16string server_under_test;
+std::u16string planted_library;
 
 utility::utility(const std::u16string& program)
 {
@@ -71,6 +72,22 @@ void utility::choose_language(int entry) const
 ui_driver::dialog utility::message(const char16_t* title) const
 {
     return ui_driver::wait_for_dialog(title, id_);
+}
+
+ui_driver::dialog utility::access_editor() const
+{
+    HWND editor = nullptr;
+    const auto is_open = [&] {
+        for (const ui_driver::dialog& main : ui_driver::find_dialogs(main_window_title, id_))
+            for (HWND window = nullptr; (window = ::FindWindowExW(nullptr, window, nullptr, nullptr)) != nullptr;)
+                if (::GetWindow(window, GW_OWNER) == main.handle() && ::IsWindowVisible(window) &&
+                    ::IsWindowEnabled(window) && !::IsWindowEnabled(main.handle()))
+                    editor = window;
+        return editor != nullptr;
+    };
+    if (!ui_driver::eventually(is_open))
+        throw timed_out("no editor");
+    return ui_driver::dialog(editor);
 }
 
 std::string utility::text_of(const ui_driver::dialog& box)

@@ -13,6 +13,8 @@ namespace e2e {
 extern std::u16string program_under_test;
 /// Full path of the stand-in server that they install.
 extern std::u16string server_under_test;
+/// Full path of a DLL that does nothing, to be planted under other names.
+extern std::u16string planted_library;
 
 inline constexpr char16_t main_window_title[] = u"Zelmark Tidelink Server Control";
 inline constexpr char16_t error_title[] = u"Operation Error";
@@ -66,6 +68,9 @@ public:
 
     /// A box of this program, as soon as it is there. \throws ui_driver::timed_out
     ui_driver::dialog message(const char16_t* title) const;
+    /// The system's editor of access rights, whose title is the system's, as soon as the main window is disabled for
+    /// it. \throws ui_driver::timed_out
+    ui_driver::dialog access_editor() const;
     /// What a box says, in UTF-8.
     static std::string text_of(const ui_driver::dialog& box);
     /// Presses a button of a box, and waits until the box is gone.
