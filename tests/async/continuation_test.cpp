@@ -265,6 +265,17 @@ TEST(cancellable_wait_test, ends_once_whether_by_itself_or_by_a_cancellation)
     EXPECT_GT(cancelled, 0);
 }
 
+TEST(cancellable_wait_test, a_cancellation_that_comes_before_the_wait_ends_it_too)
+{
+    std::stop_source source;
+    source.request_stop();
+    bool was_cancelled = false;
+    std::atomic<int> ended = 0;
+    const running operation = wait_once(1h, source.get_token(), was_cancelled, ended);
+    ended.wait(0);
+    EXPECT_TRUE(was_cancelled);
+}
+
 TEST(cancellable_wait_test, an_abandoned_wait_is_taken_back)
 {
     bool was_cancelled = false;

@@ -174,18 +174,22 @@ TEST_F(registry_test, a_shorter_array_replaces_a_longer_one)
     });
 }
 
-TEST_F(registry_test, an_array_without_its_elements_or_its_count_is_refused)
+TEST_F(registry_test, an_array_without_its_count_or_with_elements_missing_or_there_twice_is_refused)
 {
     {
         const auto writer = store().open_for_writing();
-        writer->begin_array("list", 0xFFFFFFFF);
-        writer->write_unsigned({}, 7);
-        writer->end_array();
+        for (const auto& [name, count] : {std::pair("many", 0xFFFFFFFF), std::pair("two", 2U)}) {
+            writer->begin_array(name, count);
+            writer->write_unsigned({}, 7);
+            writer->end_array();
+        }
         writer->begin_structure("no list", 1);
         writer->end_structure();
     }
+    constexpr DWORD again = 8;
+    ::RegSetKeyValueW(HKEY_LOCAL_MACHINE, L"Software\\Zelmark test\\two", L"00000@1", REG_DWORD, &again, sizeof again);
     const auto ignore = [](const value_reader&) {};
-    for (const char* const name : {"list", "no list"})
+    for (const char* const name : {"many", "two", "no list"})
         read_member(name, 0,
                     [&](const value_reader& list) { EXPECT_THROW(list.visit_elements(ignore), load_exception); });
 }
@@ -222,18 +226,18 @@ TEST_F(registry_test, a_subkey_that_cannot_be_created_is_an_error_with_its_code)
     EXPECT_EQ(stored(L"", L"still usable").first, DWORD{REG_DWORD});
 }
 
-TEST_F(registry_test, reading_then_writing_leaks_no_handle)
+TEST_F(registry_test, opening_for_writing_closes_what_was_open_for_reading)
 {
-    const auto use = [this] {
+    store().open_for_writing();
+    const std::size_t before = support::handle_count();
+    {
         RegistryKeyStore used = store();
         used.open_for_reading();
+        EXPECT_EQ(support::handle_count(), before + 1);
         const auto writer = used.open_for_writing();
+        EXPECT_EQ(support::handle_count(), before + 1);
         writer->begin_array("left open", 1);
-    };
-    use();
-    const std::size_t before = support::handle_count();
-    for (int i = 0; i < 50; ++i)
-        use();
+    }
     EXPECT_EQ(support::handle_count(), before);
 }
 
