@@ -90,36 +90,30 @@ extent frame_of(HWND dialog, UINT dpi)
     return {.width = bounds.right - bounds.left, .height = bounds.bottom - bounds.top};
 }
 
+extent scroll_bar_sizes(UINT dpi) noexcept
+{
+    return {.width = ::GetSystemMetricsForDpi(SM_CXVSCROLL, dpi),
+            .height = ::GetSystemMetricsForDpi(SM_CYHSCROLL, dpi)};
+}
+
 /// The outer size that shows all of `root`, at least `least` and at most the work area.
-extent window_size(const box& root, const extent& frame, const extent& least, const area& work)
+extent window_size(const box& root, const extent& frame, const extent& least, const area& work, const extent& bars)
 {
-    const extent inside = natural_size(root, std::max(least.width, work.width) - frame.width);
-    return {.width = std::min(std::max(inside.width + frame.width, least.width), work.width),
-            .height = std::min(std::max(inside.height + frame.height, least.height), work.height)};
+    const extent room{.width = std::max(least.width, work.width) - frame.width,
+                      .height = std::max(least.height, work.height) - frame.height};
+    const extent natural = natural_size(root, room.width);
+    const scrolled_fit fit = fit_scrolled(root, {.width = natural.width, .height = room.height}, bars);
+    const int beside_bar = fit.page.width < natural.width ? bars.width : 0;
+    const int above_bar = natural.width > room.width ? bars.height : 0;
+    return {.width = std::min(std::max(natural.width + beside_bar + frame.width, least.width), work.width),
+            .height = std::min(std::max(natural.height + above_bar + frame.height, least.height), work.height)};
 }
 
-/// How far down the controls of a tree reach, with its margin below them.
-int content_height(const box& root, const std::vector<placement>& placements)
+void set_dialog_font(HWND dialog, HFONT font) noexcept
 {
-    int bottom = 0;
-    for (const placement& each : placements)
-        bottom = std::max(bottom, each.place.y + each.place.height);
-    return bottom + (root.control == 0 ? root.padding.bottom : 0);
-}
-
-/// \return the height that the controls need
-int place_dialog(HWND dialog, const box& root, const extent& frame, const area& place)
-{
-    move_window(dialog, place, 0);
-    const area inside{.x = 0, .y = 0, .width = place.width - frame.width, .height = place.height - frame.height};
-    std::vector<placement> placements = arrange(root, inside);
-    if (content_height(root, placements) > inside.height) {
-        area beside_bar = inside;
-        beside_bar.width -= ::GetSystemMetrics(SM_CXVSCROLL);
-        placements = arrange(root, beside_bar);
-    }
-    place_controls(dialog, placements);
-    return content_height(root, placements);
+    ::SendMessageW(dialog, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
+    for (HWND child = ::GetWindow(dialog, GW_CHILD); child; child = ::GetWindow(child, GW_HWNDNEXT))
+        ::SendMessageW(child, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
 }
 
 /// Brings a control into sight when it gets the keyboard.
@@ -134,35 +128,6 @@ LRESULT CALLBACK follow_focus(HWND control, UINT message, WPARAM wparam, LPARAM 
 }
 
 } // namespace
-
-void set_dialog_font(HWND dialog, HFONT font) noexcept
-{
-    ::SendMessageW(dialog, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
-    for (HWND child = ::GetWindow(dialog, GW_CHILD); child; child = ::GetWindow(child, GW_HWNDNEXT))
-        ::SendMessageW(child, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
-}
-
-int lay_out_dialog(HWND dialog, const box& root, UINT dpi)
-{
-    const area now = area_of(dialog);
-    const area work = work_area_of(dialog);
-    const extent frame = frame_of(dialog, dpi);
-    const extent size = window_size(root, frame, {}, work);
-    const bool stays_centred = (style_of(dialog) & DS_CENTER) != 0;
-    const area same_corner{.x = now.x, .y = now.y, .width = size.width, .height = size.height};
-    return place_dialog(dialog, root, frame,
-                        stays_centred ? centred(size, now, work) : moved_inside(same_corner, work));
-}
-
-int lay_out_dialog(HWND dialog, const box& root, UINT dpi, const RECT& suggested)
-{
-    const area asked = area_of(suggested);
-    const area work = work_area(::MonitorFromRect(&suggested, MONITOR_DEFAULTTONEAREST));
-    const extent frame = frame_of(dialog, dpi);
-    const extent size = window_size(root, frame, {.width = asked.width, .height = asked.height}, work);
-    return place_dialog(dialog, root, frame,
-                        moved_inside({.x = asked.x, .y = asked.y, .width = size.width, .height = size.height}, work));
-}
 
 void centre_on_owner(HWND dialog, HWND owner) noexcept
 {
@@ -182,25 +147,35 @@ control_measure dialog_layout::use_dpi(HWND dialog, UINT dpi)
     return {dialog, font_.get(), dpi};
 }
 
-void dialog_layout::set_content(HWND dialog, int height)
+void dialog_layout::place(HWND dialog, const box& root, const area& place, const extent& frame)
 {
-    RECT inside{};
-    bar_.scroll_to(dialog, 0);
-    ::GetClientRect(dialog, &inside);
-    bar_.fit(dialog, height, inside.bottom);
-    if (!bar_.needed())
+    move_window(dialog, place, 0);
+    across_.scroll_to(dialog, 0);
+    down_.scroll_to(dialog, 0);
+    const scrolled_fit fit = fit_scrolled(
+        root, {.width = place.width - frame.width, .height = place.height - frame.height}, scroll_bar_sizes(dpi_));
+    place_controls(dialog, arrange(root, {.x = 0, .y = 0, .width = fit.page.width, .height = fit.page.height}));
+    across_.fit(dialog, fit.content.width, fit.page.width);
+    down_.fit(dialog, fit.content.height, fit.page.height);
+    if (!across_.needed() && !down_.needed())
         return;
     for (HWND child = ::GetWindow(dialog, GW_CHILD); child; child = ::GetWindow(child, GW_HWNDNEXT))
         ::SetWindowSubclass(child, follow_focus, 0x5C12, reinterpret_cast<DWORD_PTR>(this));
+    if (const HWND focused = ::GetFocus(); ::IsChild(dialog, focused))
+        reveal(focused);
 }
 
 bool dialog_layout::on_message(HWND dialog, UINT message, WPARAM wparam)
 {
-    if (!bar_.needed() || (message != WM_VSCROLL && message != WM_MOUSEWHEEL))
+    const auto line = [this] { return dialog_units(font_.get(), dpi_).vertical(8); };
+    if (message == WM_HSCROLL && across_.needed())
+        scroll(dialog, across_.on_scroll(dialog, LOWORD(wparam), line()), 0);
+    else if (message == WM_VSCROLL && down_.needed())
+        scroll(dialog, 0, down_.on_scroll(dialog, LOWORD(wparam), line()));
+    else if (message == WM_MOUSEWHEEL && down_.needed())
+        scroll(dialog, 0, down_.on_wheel(dialog, wparam, line()));
+    else
         return false;
-    const int line = dialog_units(font_.get(), dpi_).vertical(8);
-    scroll(dialog,
-           message == WM_VSCROLL ? bar_.on_scroll(dialog, LOWORD(wparam), line) : bar_.on_wheel(dialog, wparam, line));
     return true;
 }
 
@@ -210,27 +185,43 @@ void dialog_layout::reveal(HWND control) noexcept
     RECT place{};
     ::GetWindowRect(control, &place);
     ::MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&place), 2);
-    if (bar_.needed())
-        scroll(dialog, bar_.reveal(dialog, place.top + bar_.position(), place.bottom + bar_.position()));
+    ::OffsetRect(&place, across_.position(), down_.position());
+    const int across = across_.needed() ? across_.reveal(dialog, place.left, place.right) : 0;
+    const int down = down_.needed() ? down_.reveal(dialog, place.top, place.bottom) : 0;
+    scroll(dialog, across, down);
 }
 
-void dialog_layout::scroll(HWND dialog, int distance) noexcept
+void dialog_layout::scroll(HWND dialog, int across, int down) noexcept
 {
-    if (distance != 0)
-        ::ScrollWindowEx(dialog, 0, -distance, nullptr, nullptr, nullptr, nullptr,
+    if (across != 0 || down != 0)
+        ::ScrollWindowEx(dialog, -across, -down, nullptr, nullptr, nullptr, nullptr,
                          SW_SCROLLCHILDREN | SW_INVALIDATE | SW_ERASE);
 }
 
 void dialog_layout::apply(HWND dialog, UINT dpi, const description& describe)
 {
     const control_measure measure = use_dpi(dialog, dpi);
-    set_content(dialog, lay_out_dialog(dialog, describe(measure), dpi));
+    const box root = describe(measure);
+    const area now = area_of(dialog);
+    const area work = work_area_of(dialog);
+    const extent frame = frame_of(dialog, dpi);
+    const extent size = window_size(root, frame, {}, work, scroll_bar_sizes(dpi));
+    const bool stays_centred = (style_of(dialog) & DS_CENTER) != 0;
+    const area same_corner{.x = now.x, .y = now.y, .width = size.width, .height = size.height};
+    place(dialog, root, stays_centred ? centred(size, now, work) : moved_inside(same_corner, work), frame);
 }
 
 void dialog_layout::apply(HWND dialog, UINT dpi, const RECT& suggested, const description& describe)
 {
     const control_measure measure = use_dpi(dialog, dpi);
-    set_content(dialog, lay_out_dialog(dialog, describe(measure), dpi, suggested));
+    const box root = describe(measure);
+    const area asked = area_of(suggested);
+    const area work = work_area(::MonitorFromRect(&suggested, MONITOR_DEFAULTTONEAREST));
+    const extent frame = frame_of(dialog, dpi);
+    const extent least{.width = asked.width, .height = asked.height};
+    const extent size = window_size(root, frame, least, work, scroll_bar_sizes(dpi));
+    place(dialog, root, moved_inside({.x = asked.x, .y = asked.y, .width = size.width, .height = size.height}, work),
+          frame);
 }
 
 } // namespace girder::ui

@@ -314,6 +314,25 @@ std::vector<placement> arrange(const box& root, const area& available)
     return out;
 }
 
+scrolled_fit fit_scrolled(const box& root, extent inside, extent bars)
+{
+    // A bar takes room from the other axis, which may then need one, too.
+    scrolled_fit fit;
+    bool down = false;
+    bool across = false;
+    for (int bars_found = 0; bars_found <= 2; ++bars_found) {
+        fit.page = {.width = inside.width - (down ? bars.width : 0),
+                    .height = inside.height - (across ? bars.height : 0)};
+        fitted tree(root);
+        fit.content.width = std::max(fit.page.width, tree.width().least);
+        tree.set_width(fit.content.width);
+        fit.content.height = std::max(fit.page.height, tree.height().least);
+        down = down || fit.content.height > fit.page.height;
+        across = across || fit.content.width > fit.page.width;
+    }
+    return fit;
+}
+
 area centred(extent size, const area& around, const area& bounds)
 {
     return moved_inside({.x = around.x + (around.width - size.width) / 2,

@@ -97,6 +97,18 @@ extent natural_size(const box& root, int widest = std::numeric_limits<int>::max(
 /// the tree keeps these and reaches beyond.
 std::vector<placement> arrange(const box& root, const area& available);
 
+/// A tree in a window that may be too small for it.
+struct scrolled_fit {
+    extent page;    ///< what the window shows at a time: its inside without the scroll bars that it needs
+    extent content; ///< what arrange() makes of the page: larger along each axis that has a scroll bar
+
+    bool operator==(const scrolled_fit&) const = default;
+};
+
+/// \param inside  of the window without scroll bars
+/// \param bars    the width of a vertical scroll bar and the height of a horizontal one, which take room inside
+scrolled_fit fit_scrolled(const box& root, extent inside, extent bars);
+
 /// A window of this size centred over `around`, then moved by as little as puts it inside `bounds`; its top left corner
 /// is inside in any case.
 area centred(extent size, const area& around, const area& bounds);

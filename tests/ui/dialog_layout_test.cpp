@@ -194,24 +194,35 @@ TEST(lay_out_test, dialog_never_exceeds_the_work_area)
 
 TEST(lay_out_test, what_the_screen_has_no_room_for_is_scrolled_to)
 {
+    constexpr DWORD both_bars = WS_HSCROLL | WS_VSCROLL;
     sample_dialog dialog(u"Share all ports");
     ::ShowWindow(dialog.window(), SW_SHOW);
-    dialog.lay_out(960);
-    RECT inside{};
-    ::GetClientRect(dialog.window(), &inside);
-    const auto place_in_dialog = [&](int id) {
-        RECT place = support::place_of(dialog.control(id));
-        ::MapWindowPoints(nullptr, dialog.window(), reinterpret_cast<POINT*>(&place), 2);
-        return place;
+    const auto bars = [&] { return static_cast<DWORD>(::GetWindowLongPtrW(dialog.window(), GWL_STYLE)) & both_bars; };
+    const auto is_in_sight = [&](int id) {
+        RECT inside{};
+        ::GetClientRect(dialog.window(), &inside);
+        ::MapWindowPoints(dialog.window(), nullptr, reinterpret_cast<POINT*>(&inside), 2);
+        return support::is_inside(place_of(dialog.control(id)), inside);
     };
-    EXPECT_GT(place_in_dialog(IDOK).bottom, inside.bottom);
-    ::SetFocus(dialog.control(IDOK));
-    EXPECT_LE(place_in_dialog(IDOK).bottom, inside.bottom);
-    ::SendMessageW(dialog.window(), WM_VSCROLL, SB_TOP, 0);
-    EXPECT_GE(place_in_dialog(IDC_EDIT).top, 0);
+    const auto send = [&](UINT message, WORD request) { ::SendMessageW(dialog.window(), message, request, 0); };
+    dialog.lay_out(700);
+    EXPECT_EQ(bars(), both_bars);
+    ::SetFocus(dialog.control(IDC_PUSH));
+    EXPECT_TRUE(is_in_sight(IDC_PUSH)) << "down";
+    ::SetFocus(dialog.control(IDCANCEL));
+    EXPECT_TRUE(is_in_sight(IDCANCEL)) << "across";
+    EXPECT_FALSE(is_in_sight(IDC_PUSH));
+    send(WM_HSCROLL, SB_TOP);
+    EXPECT_TRUE(is_in_sight(IDC_PUSH));
+    send(WM_VSCROLL, SB_TOP);
+    EXPECT_TRUE(is_in_sight(IDC_LABEL));
+    ::SendMessageW(dialog.window(), WM_MOUSEWHEEL, MAKEWPARAM(0, -120), 0);
+    EXPECT_FALSE(is_in_sight(IDC_LABEL));
+    dialog.lay_out(750);
+    EXPECT_TRUE(is_in_sight(IDCANCEL)) << "what has the focus stays in sight";
     dialog.lay_out(96);
-    EXPECT_LE(place_in_dialog(IDOK).bottom, support::size_of(dialog.window()).cy);
-    EXPECT_EQ(::GetWindowLongPtrW(dialog.window(), GWL_STYLE) & WS_VSCROLL, 0);
+    EXPECT_EQ(bars(), 0U);
+    support::expect_tidy(dialog.window(), IDC_GROUP);
 }
 
 TEST(lay_out_test, list_gives_way_before_anything_leaves_the_screen)

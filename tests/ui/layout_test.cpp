@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <ostream>
 #include <random>
 
@@ -13,6 +14,12 @@ void PrintTo(const placement& value, std::ostream* out)
 {
     const auto& [x, y, width, height] = value.place;
     *out << value.control << " at " << x << ',' << y << ' ' << width << 'x' << height;
+}
+
+void PrintTo(const scrolled_fit& value, std::ostream* out)
+{
+    *out << "page " << value.page.width << 'x' << value.page.height << " of " << value.content.width << 'x'
+         << value.content.height;
 }
 
 namespace {
@@ -107,6 +114,36 @@ TEST(natural_size_test, limited_width_wraps_text_into_more_lines)
     EXPECT_EQ(natural_size(root, 80), (extent{80, 30}));
     EXPECT_EQ(natural_size(root, 10), (extent{60, 40}));
 }
+
+struct scroll_case {
+    const char* name;
+    extent inside;
+    scrolled_fit expected;
+};
+
+std::ostream& operator<<(std::ostream& out, const scroll_case& row)
+{
+    return out << row.name;
+}
+
+class fit_scrolled_test : public testing::TestWithParam<scroll_case> {};
+
+/// A tree of at least 60 x 30, in a window with bars of 5 and 6 pixels.
+TEST_P(fit_scrolled_test, shows)
+{
+    EXPECT_EQ(fit_scrolled(column({wide(1), small(2)}, 0), GetParam().inside, {5, 6}), GetParam().expected);
+}
+
+// clang-format off
+INSTANTIATE_TEST_SUITE_P(rule, fit_scrolled_test, testing::ValuesIn(std::to_array<scroll_case>({
+    {"all_where_it_fits", {60, 30}, {{60, 30}, {60, 30}}},
+    {"the_whole_room_where_there_is_more", {90, 40}, {{90, 40}, {90, 40}}},
+    {"a_part_downwards_beside_a_bar", {65, 29}, {{60, 29}, {60, 30}}},
+    {"a_part_across_above_a_bar", {59, 36}, {{59, 30}, {60, 30}}},
+    {"a_bar_downwards_for_the_room_of_the_other", {59, 35}, {{54, 29}, {60, 30}}},
+    {"a_bar_across_for_the_room_of_the_other", {64, 29}, {{59, 23}, {60, 30}}},
+})), name_of_row);
+// clang-format on
 
 /// A tree of rows and columns over controls numbered from 1 on.
 class random_tree {
