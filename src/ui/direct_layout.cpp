@@ -8,7 +8,10 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <span>
+#include <string_view>
 #include <utility>
+#include <vector>
 
 namespace girder::ui {
 namespace {
@@ -84,25 +87,29 @@ area area_of(const DWRITE_GLYPH_RUN& run, float x, float base_line)
     return {.x = left, .y = top, .width = right - left, .height = bottom - top};
 }
 
-class link_finder : public glyph_sink {
+/// What a layout does not tell otherwise: where its links are, and which characters the fonts have no glyphs for.
+class layout_reader : public glyph_sink {
 public:
-    explicit link_finder(const std::vector<link_mark>& marks) : marks_(marks) {}
+    explicit layout_reader(const std::vector<link_mark>& marks) : marks_(marks) {}
 
     STDMETHODIMP DrawGlyphRun(void*, FLOAT x, FLOAT base_line, DWRITE_MEASURING_MODE, const DWRITE_GLYPH_RUN* run,
-                              const DWRITE_GLYPH_RUN_DESCRIPTION*, IUnknown* effect) noexcept override
+                              const DWRITE_GLYPH_RUN_DESCRIPTION* characters, IUnknown* effect) noexcept override
     {
-        if (!effect)
-            return S_OK;
         try {
             const auto link = static_cast<int>(static_cast<const link_mark*>(effect) - marks_.data());
-            areas.push_back({.link = link, .place = area_of(*run, x, base_line)});
+            if (effect)
+                links.push_back({.link = link, .place = area_of(*run, x, base_line)});
+            for (UINT32 i = 0; i < characters->stringLength; ++i)
+                if (run->glyphIndices[characters->clusterMap[i]] == 0)
+                    without_glyph.push_back(characters->textPosition + i);
             return S_OK;
         } catch (...) {
             return E_OUTOFMEMORY;
         }
     }
 
-    std::vector<link_area> areas;
+    std::vector<link_area> links;
+    std::vector<UINT32> without_glyph; ///< positions in the text
 
 private:
     const std::vector<link_mark>& marks_;
@@ -148,8 +155,20 @@ private:
     std::array<unique_com<ID2D1SolidColorBrush>, 3> brushes_; ///< of text, links and the hovered link
 };
 
+/// The name of a family of fonts if it has a glyph for a character.
+bool has_glyph(IDWriteFontFamily& family, UINT32 character, std::span<wchar_t> name)
+{
+    unique_com<IDWriteFont> font;
+    unique_com<IDWriteLocalizedStrings> names;
+    BOOL has_glyph = FALSE;
+    return SUCCEEDED(family.GetFont(0, font.put())) && SUCCEEDED(font.get()->HasCharacter(character, &has_glyph)) &&
+           has_glyph && SUCCEEDED(family.GetFamilyNames(names.put())) &&
+           SUCCEEDED(names.get()->GetString(0, name.data(), static_cast<UINT32>(name.size())));
+}
+
 struct font_in_use {
     LOGFONTW description{};
+    TEXTMETRICW metrics{};
     std::array<wchar_t, LF_FACESIZE> face{}; ///< the mapped name: DirectWrite does not know "MS Shell Dlg"
 };
 
@@ -159,6 +178,7 @@ font_in_use look_at(HFONT font)
     ::GetObjectW(font, sizeof seen.description, &seen.description);
     const HDC screen = ::GetDC(nullptr);
     const HGDIOBJ previous = ::SelectObject(screen, font);
+    ::GetTextMetricsW(screen, &seen.metrics);
     ::GetTextFaceW(screen, static_cast<int>(seen.face.size()), seen.face.data());
     ::SelectObject(screen, previous);
     ::ReleaseDC(nullptr, screen);
@@ -184,6 +204,8 @@ public:
                         "CreateGdiCompatibleTextLayout");
         for (const text_run& run : text.runs)
             set_style(run, size);
+        set_line_spacing(text, base.metrics);
+        fill_in_families(text.text);
     }
 
     extent arrange(int width) override
@@ -194,12 +216,7 @@ public:
         return size.width <= width ? size : size_broken_at(DWRITE_WORD_WRAPPING_CHARACTER);
     }
 
-    std::vector<link_area> link_areas() override
-    {
-        link_finder finder(marks_);
-        throw_if_failed(layout_.get()->Draw(nullptr, &finder, 0, 0), "IDWriteTextLayout::Draw");
-        return std::move(finder.areas);
-    }
+    std::vector<link_area> link_areas() override { return std::move(read().links); }
 
     bool paint(HDC device, const RECT& part, int scrolled, int hovered) override
     {
@@ -232,6 +249,48 @@ private:
         if (run.style.link >= 0) {
             layout_.get()->SetUnderline(TRUE, range);
             layout_.get()->SetDrawingEffect(&marks_[static_cast<std::size_t>(run.style.link)], range);
+        }
+    }
+
+    /// Lines as far apart as GDI sets those of the largest size. The fonts' own advice differs from one to the other.
+    void set_line_spacing(const rich_text& text, const TEXTMETRICW& metrics)
+    {
+        int percent = 100;
+        for (const text_run& run : text.runs)
+            percent = std::max(percent, run.style.percent);
+        const auto scaled = [&](LONG length) { return static_cast<float>(::MulDiv(length, percent, 100)); };
+        throw_if_failed(layout_.get()->SetLineSpacing(DWRITE_LINE_SPACING_METHOD_UNIFORM, scaled(metrics.tmHeight),
+                                                      scaled(metrics.tmAscent)),
+                        "SetLineSpacing");
+    }
+
+    layout_reader read()
+    {
+        layout_reader reader(marks_);
+        throw_if_failed(layout_.get()->Draw(nullptr, &reader, 0, 0), "IDWriteTextLayout::Draw");
+        return reader;
+    }
+
+    /// Takes characters that the dialog's font lacks from other families, where the system does not do so itself.
+    void fill_in_families(std::u16string_view text)
+    {
+        unique_com<IDWriteFontCollection> fonts;
+        std::array<wchar_t, LF_FACESIZE> name{};
+        UINT32 i = 0;
+        for (const UINT32 position : read().without_glyph) {
+            if (!fonts)
+                throw_if_failed(means_.direct_write().GetSystemFontCollection(fonts.put(), FALSE),
+                                "GetSystemFontCollection");
+            const UINT32 families = fonts.get()->GetFontFamilyCount();
+            // The family of the character before is the first to be asked.
+            for (UINT32 left = families; left > 0; --left, i = (i + 1) % families) {
+                unique_com<IDWriteFontFamily> family;
+                if (SUCCEEDED(fonts.get()->GetFontFamily(i, family.put())) &&
+                    has_glyph(*family.get(), text[position], name)) {
+                    layout_.get()->SetFontFamilyName(name.data(), {.startPosition = position, .length = 1});
+                    break;
+                }
+            }
         }
     }
 

@@ -56,24 +56,27 @@ void drawing::make_target()
     throw_if_failed(direct2d_.get()->CreateDCRenderTarget(&properties, target_.put()), "CreateDCRenderTarget");
 }
 
-bool drawing::paint(HDC device, const RECT& part, const std::function<void(ID2D1RenderTarget&)>& draw)
+HRESULT drawing::paint_once(HDC device, const RECT& part, const std::function<void(ID2D1RenderTarget&)>& draw)
 try {
-    constexpr int attempts = 2;
-    for (int i = 0; i < attempts; ++i) {
-        if (!target_)
-            make_target();
-        throw_if_failed(target_.get()->BindDC(device, &part), "BindDC");
-        target_.get()->BeginDraw();
-        draw(*target_.get());
-        const HRESULT drawn = target_.get()->EndDraw();
-        if (drawn != static_cast<HRESULT>(D2DERR_RECREATE_TARGET))
-            return SUCCEEDED(drawn);
-        target_.reset();
-    }
-    return false;
+    if (!target_)
+        make_target();
+    throw_if_failed(target_.get()->BindDC(device, &part), "BindDC");
+    target_.get()->BeginDraw();
+    draw(*target_.get());
+    return target_.get()->EndDraw();
 } catch (const system_error& error) {
     log_failure({.code = error.code(), .context = error.what()});
-    target_.reset();
+    return static_cast<HRESULT>(error.code());
+}
+
+bool drawing::paint(HDC device, const RECT& part, const std::function<void(ID2D1RenderTarget&)>& draw)
+{
+    constexpr int attempts = 2;
+    for (int i = 0; i < attempts; ++i) {
+        if (SUCCEEDED(paint_once(device, part, draw)))
+            return true;
+        target_.reset();
+    }
     return false;
 }
 

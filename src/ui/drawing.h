@@ -27,12 +27,14 @@ public:
     IDWriteFactory& direct_write() const noexcept { return *direct_write_.get(); }
 
     /// Draws into a part of a device context, whose upper left corner is the drawing's origin and whose pixels are its
-    /// units. A lost device is replaced, and `draw` called again for the new one.
+    /// units. A lost device, which any call may tell of, is replaced, and `draw` called again for the new one.
+    /// \param draw  may throw system_error
     /// \return false when nothing could be drawn
     bool paint(HDC device, const RECT& part, const std::function<void(ID2D1RenderTarget&)>& draw);
 
 private:
     void make_target();
+    HRESULT paint_once(HDC device, const RECT& part, const std::function<void(ID2D1RenderTarget&)>& draw);
 
     system_library direct2d_library_;
     system_library direct_write_library_;

@@ -1,4 +1,5 @@
 #include "base/handles.h"
+#include "base/system_error.h"
 #include "base/unique_com.h"
 #include "base/wide.h"
 #include "looks.h"
@@ -172,6 +173,8 @@ public:
     drawn_view& operator=(const drawn_view&) = delete;
     ~drawn_view() { ::DeleteDC(device_); }
 
+    bool operator==(const drawn_view& other) const { return std::ranges::equal(pixels_, other.pixels_); }
+
     /// How many pixels have exactly this colour.
     std::ptrdiff_t count(COLORREF colour) const
     {
@@ -276,6 +279,64 @@ TEST(rich_view_test, draws_in_the_system_colours_as_they_are_now)
     const drawn_view normal(dialog.view());
     EXPECT_EQ(normal.count(yellow) + normal.count(green), 0);
     EXPECT_GT(normal.count(::GetSysColor(COLOR_BTNFACE)), 1000);
+}
+
+TEST(rich_view_test, characters_that_the_font_lacks_come_from_another_one)
+{
+    view_dialog dialog;
+    dialog.use_dpi(192);
+    const auto draws_alike = [&](std::u16string_view one, std::u16string_view other) {
+        dialog.show(one);
+        const drawn_view first(dialog.view());
+        dialog.show(other);
+        return first == drawn_view(dialog.view());
+    };
+    EXPECT_TRUE(draws_alike(u"\u8A2D\u5B9A", u"\u8A2D\u5B9A"));
+    EXPECT_FALSE(draws_alike(u"\u8A2D\u5B9A", u"\u8A2D\u65E5"))
+        << "the box for what has no glyph looks always the same";
+    EXPECT_FALSE(draws_alike(u"a \u8A2D\u5B9A", u"a \u65E5\u5B9A"));
+}
+
+TEST(drawing_test, a_lost_device_is_replaced_and_drawn_on_again)
+{
+    drawing* const means = drawing::shared();
+    if (!means)
+        GTEST_SKIP() << "nothing to lose without Direct2D";
+    const unique_handle<handle_traits::gdi<HBITMAP>> sheet(::CreateBitmap(20, 20, 1, 32, nullptr));
+    const HDC device = ::CreateCompatibleDC(nullptr);
+    const HGDIOBJ before = ::SelectObject(device, sheet.get());
+    constexpr RECT all{.left = 0, .top = 0, .right = 20, .bottom = 20};
+    constexpr COLORREF drawn = RGB(200, 100, 50);
+    for (const auto& [losses, succeeds] : {std::pair(0, true), {1, true}, {2, false}, {0, true}}) {
+        std::vector<unique_com<ID2D1RenderTarget>> targets;
+        ::SetPixel(device, 5, 5, 0);
+        EXPECT_EQ(means->paint(device, all,
+                               [&](ID2D1RenderTarget& target) {
+                                   target.AddRef();
+                                   targets.emplace_back(&target);
+                                   if (std::cmp_less_equal(targets.size(), losses))
+                                       throw system_error(static_cast<DWORD>(D2DERR_RECREATE_TARGET), "CreateBitmap");
+                                   target.Clear(as_direct2d(drawn));
+                               }),
+                  succeeds);
+        EXPECT_EQ(::GetPixel(device, 5, 5), succeeds ? drawn : 0);
+        EXPECT_EQ(targets.size(), losses == 0 ? 1U : 2U);
+        EXPECT_NE(targets.front().get(), losses == 0 ? nullptr : targets.back().get());
+    }
+    ::SelectObject(device, before);
+    ::DeleteDC(device);
+}
+
+TEST(rich_view_test, is_drawn_by_gdi_once_direct2d_has_refused)
+{
+    const view_dialog dialog;
+    dialog.show(two_links);
+    const drawn_view by_first_choice(dialog.view());
+    constexpr WPARAM no_device = 0;
+    ::SendMessageW(dialog.view(), WM_PRINTCLIENT, no_device, PRF_CLIENT);
+    const drawn_view by_second_choice(dialog.view());
+    EXPECT_GT(by_second_choice.lines_in_use(), 20);
+    EXPECT_EQ(by_first_choice == by_second_choice, drawing::shared() == nullptr);
 }
 
 TEST(rich_view_test, a_click_opens_the_link_it_begins_and_ends_on)
