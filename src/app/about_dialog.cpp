@@ -7,7 +7,6 @@
 #include "resource.h"
 #include "string_ids.h"
 #include "ui/controls.h"
-#include "ui/dialog_layout.h"
 #include "ui/icons.h"
 #include "ui/rich_text.h"
 #include "ui/rich_view.h"
@@ -75,8 +74,7 @@ bool AboutDialog::on_initialise()
         // The icon shows the same picture.
         logo_.reset();
     }
-    lay_out(::GetDpiForWindow(owner_ ? owner_ : window()));
-    centre_on_owner(window(), owner_);
+    lay_out_over(owner_);
     ::SetFocus(control(IDCANCEL));
     return false;
 }

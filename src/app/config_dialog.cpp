@@ -170,6 +170,7 @@ void ConfigDialog::fill_ports()
 {
     for (const port_row& row : model_.rows_of(EnumerateSerialPorts()))
         check_list::append(control(IDC_PORTS), row.text, row.number, row.checked);
+    check_list::focus_first(control(IDC_PORTS));
 }
 
 box ConfigDialog::layout(const control_measure& measure) const

@@ -30,11 +30,12 @@ protected:
     bool on_initialise() override
     {
         set_window_text(window(), key_);
+        // Seen by screen readers alone.
+        set_window_text(control(IDC_CORRECTION_LABEL), key_);
         set_window_text(control(IDC_CORRECTION), text_);
         set_window_text(control(IDOK), text(string_id::ok));
         set_window_text(control(IDCANCEL), text(string_id::cancel));
-        lay_out(::GetDpiForWindow(owner_));
-        centre_on_owner(window(), owner_);
+        lay_out_over(owner_);
         return true;
     }
 
@@ -54,8 +55,9 @@ protected:
         constexpr int shown_characters = 60;
         const int margin = measure.units().horizontal(7);
         const int gap = measure.units().horizontal(4);
+        // A longer text scrolls.
         box edit = control_box(IDC_CORRECTION, {.width = measure.units().horizontal(4 * shown_characters),
-                                                .height = measure.units().vertical(14)});
+                                                .height = measure.edit(IDC_CORRECTION, 0).natural.height});
         box buttons =
             row({filler(), with_equal_widths(row({measure.push_button(IDOK), measure.push_button(IDCANCEL)}, gap))}, 0);
         return padded(column({growing_wide(std::move(edit)), std::move(buttons)}, margin),

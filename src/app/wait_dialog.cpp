@@ -4,7 +4,6 @@
 #include "resource.h"
 #include "string_ids.h"
 #include "ui/controls.h"
-#include "ui/dialog_layout.h"
 
 #include <commctrl.h>
 
@@ -30,8 +29,7 @@ bool wait_dialog::on_initialise()
     set_window_text(window(), text(string_id::please_wait));
     set_window_text(control(IDC_WAIT_TEXT), text(string_id::please_wait_text));
     ::SendMessageW(control(IDC_WAIT_PROGRESS), PBM_SETMARQUEE, TRUE, marquee_step_ms);
-    lay_out(::GetDpiForWindow(owner_ ? owner_ : window()));
-    centre_on_owner(window(), owner_);
+    lay_out_over(owner_);
     // No control takes the keyboard, and Esc has to arrive somewhere.
     ::SetFocus(window());
     close_unless_wanted();

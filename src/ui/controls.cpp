@@ -84,6 +84,14 @@ void append(HWND list, std::u16string_view text, std::uint32_t parameter, bool c
     ::SendMessageW(list, LVM_SETITEMSTATE, static_cast<WPARAM>(item.iItem), reinterpret_cast<LPARAM>(&mark));
 }
 
+void focus_first(HWND list) noexcept
+{
+    LVITEMW item{};
+    item.stateMask = LVIS_FOCUSED;
+    item.state = LVIS_FOCUSED;
+    ::SendMessageW(list, LVM_SETITEMSTATE, 0, reinterpret_cast<LPARAM>(&item));
+}
+
 int count(HWND list) noexcept
 {
     return static_cast<int>(::SendMessageW(list, LVM_GETITEMCOUNT, 0, 0));

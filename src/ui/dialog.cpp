@@ -90,6 +90,12 @@ void dialog::lay_out(UINT dpi)
     on_laid_out();
 }
 
+void dialog::lay_out_over(HWND owner)
+{
+    lay_out(::GetDpiForWindow(owner ? owner : window_));
+    centre_on_owner(window_, owner);
+}
+
 bool dialog::change_dpi(UINT dpi, const RECT& suggested)
 {
     if (layout_.dpi() == 0)

@@ -98,6 +98,8 @@ protected:
     /// they need. To be called when their texts are set, and again when texts change. From then on a change of the DPI
     /// does the same with the new DPI.
     void lay_out(UINT dpi);
+    /// The same with the DPI of the owner's screen, and over its middle; without an owner on the dialog's own screen.
+    void lay_out_over(HWND owner);
     /// The DPI that the controls are laid out for.
     UINT dpi() const noexcept { return layout_.dpi(); }
 

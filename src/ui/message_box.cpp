@@ -125,8 +125,7 @@ protected:
             ::DestroyWindow(control(IDC_MESSAGE_ICON));
         if (escape_button() == 0)
             ::EnableMenuItem(::GetSystemMenu(window(), FALSE), SC_CLOSE, MF_BYCOMMAND | MF_GRAYED);
-        lay_out(::GetDpiForWindow(owner_ ? owner_ : window()));
-        centre_on_owner(window(), owner_);
+        lay_out_over(owner_);
         ::MessageBeep(kind_ ? kind_->sound : MB_OK);
         return false;
     }

@@ -1,20 +1,12 @@
-#include "app/config_dialog.h"
-#include "app/message_texts.h"
-#include "app/messages.h"
-#include "app/restart_request.h"
-#include "app/wait_dialog.h"
-#include "async/ui_thread.h"
+#include "app/com_apartment.h"
 #include "base/program.h"
 #include "base/utf.h"
+#include "every_dialog.h"
 #include "localisation/language_packs.h"
-#include "localisation/string_tables.h"
-#include "resource.h"
-#include "string_ids.h"
+#include "settings/settings_store.h"
 #include "support/scratch_hive.h"
 #include "ui/controls.h"
 #include "ui/looks.h"
-#include "ui/message_box.h"
-#include "ui/modal_loop.h"
 #include "ui/rich_view.h"
 
 #include <windows.h>
@@ -75,7 +67,7 @@ void expect_text_fits(HWND control)
         EXPECT_TRUE(Button_GetIdealSize(control, &needed));
     } else if (kind == L"Static" && (style & SS_EDITCONTROL) != 0) {
         needed = support::drawn_size(control, DT_WORDBREAK | DT_EDITCONTROL | DT_NOPREFIX, client_size(control).cx);
-    } else if (kind == L"Static" && (style & SS_TYPEMASK) != SS_ICON) {
+    } else if (kind == L"Static" && (style & SS_TYPEMASK) < SS_ICON) {
         needed = support::drawn_size(control, 0);
     } else if (kind == L"Edit") {
         needed = support::drawn_size(control, DT_NOPREFIX);
@@ -116,40 +108,49 @@ void expect_fits(HWND dialog, int group = 0)
             expect_text_fits(child);
 }
 
+/// Every dialog, each of them at 150, 200 and 100 %, in one language.
 class language_fit_test : public testing::TestWithParam<std::u16string> {
 protected:
     void SetUp() override
     {
-        constexpr INITCOMMONCONTROLSEX classes{.dwSize = sizeof(INITCOMMONCONTROLSEX), .dwICC = ICC_LISTVIEW_CLASSES};
+        constexpr INITCOMMONCONTROLSEX classes{.dwSize = sizeof(INITCOMMONCONTROLSEX),
+                                               .dwICC = ICC_LISTVIEW_CLASSES | ICC_PROGRESS_CLASS};
         ::InitCommonControlsEx(&classes);
         ServerSettings settings = DefaultServerSettings();
         settings.language = GetParam();
         SaveSettings(settings);
-        dialog_ = std::make_unique<ConfigDialog>(thread_, restart_);
-        dialog_->create();
+        tidelink::initialise(folder_of(girder::program_path()), GetParam());
         ASSERT_EQ(text(string_id::apply) == u"Apply", GetParam() == built_in_language)
             << "the texts are those of the pack";
     }
 
-    HWND window() const { return dialog_->window(); }
-
-    void change_dpi(UINT dpi) const
+    static void expect_fits_at_every_dpi(HWND dialog, int group)
     {
-        RECT suggested{.left = 0, .top = 0, .right = 1, .bottom = 1};
-        ::SendMessageW(window(), WM_DPICHANGED, MAKEWPARAM(dpi, dpi), reinterpret_cast<LPARAM>(&suggested));
-    }
-
-    void set_text(int control, std::u16string_view text) const
-    {
-        girder::ui::set_window_text(dialog_->control(control), text);
+        for (const UINT dpi : {144U, 192U, 96U}) {
+            SCOPED_TRACE(dpi);
+            RECT suggested{.left = 0, .top = 0, .right = 1, .bottom = 1};
+            ::SendMessageW(dialog, WM_DPICHANGED, MAKEWPARAM(dpi, dpi), reinterpret_cast<LPARAM>(&suggested));
+            expect_fits(dialog, group);
+        }
     }
 
 private:
     support::scratch_hive hive_;
-    girder::ui_thread thread_{messages().ui_return};
-    restart_request restart_;
-    std::unique_ptr<ConfigDialog> dialog_;
+    com_apartment com_;
 };
+
+TEST_P(language_fit_test, every_dialog)
+{
+    for (const every_dialog::entry& each : every_dialog::all) {
+        SCOPED_TRACE(each.name);
+        int seen = 0;
+        each.show([&](HWND dialog) {
+            expect_fits_at_every_dpi(dialog, each.group);
+            ++seen;
+        });
+        EXPECT_EQ(seen, 1);
+    }
+}
 
 /// The items of a list, one after the other, and again from the first one on.
 std::u16string_view item_in_turn(std::uint32_t list, std::uint32_t turn)
@@ -162,62 +163,18 @@ std::u16string_view item_in_turn(std::uint32_t list, std::uint32_t turn)
 
 TEST_P(language_fit_test, main_dialog_in_each_of_its_states)
 {
-    constexpr std::uint32_t more_than_any_list_has = 12;
-    for (std::uint32_t turn = 0; turn < more_than_any_list_has; ++turn) {
-        set_text(IDC_START, text(turn % 2 == 0 ? string_id::start : string_id::install));
-        set_text(IDC_STATUS, item_in_turn(string_id::service_status, turn));
-        set_text(IDC_ACCESS_WORDS, item_in_turn(string_id::access_words, turn));
-        for (const UINT dpi : {144U, 192U, 96U}) {
-            SCOPED_TRACE(dpi);
-            change_dpi(dpi);
-            expect_fits(window(), IDC_SETTINGS_FRAME);
+    every_dialog::show_main([](HWND dialog) {
+        const auto set_text = [dialog](int control, std::u16string_view shown) {
+            girder::ui::set_window_text(::GetDlgItem(dialog, control), shown);
+        };
+        constexpr std::uint32_t more_than_any_list_has = 12;
+        for (std::uint32_t turn = 0; turn < more_than_any_list_has; ++turn) {
+            set_text(IDC_START, text(turn % 2 == 0 ? string_id::start : string_id::install));
+            set_text(IDC_STATUS, item_in_turn(string_id::service_status, turn));
+            set_text(IDC_ACCESS_WORDS, item_in_turn(string_id::access_words, turn));
+            expect_fits_at_every_dpi(dialog, IDC_SETTINGS_FRAME);
         }
-    }
-}
-
-TEST_P(language_fit_test, wait_dialog)
-{
-    for (const UINT dpi : {144U, 192U, 96U}) {
-        SCOPED_TRACE(dpi);
-        change_dpi(dpi);
-        wait_dialog box({}, [] { return true; });
-        const support::in_modal_loop look([&](HWND shown) {
-            expect_fits(shown);
-            box.close();
-        });
-        box.show(window());
-    }
-}
-
-TEST_P(language_fit_test, message_boxes)
-{
-    using girder::ui::message_button;
-    const std::vector<std::vector<message_button>> choices = {
-        {{IDYES, text(string_id::yes)}, {IDNO, text(string_id::no)}},
-        {{IDABORT, text(string_id::abort)}, {IDRETRY, text(string_id::retry)}, {IDIGNORE, text(string_id::ignore)}},
-        {{IDCANCEL, text(string_id::cancel)},
-         {IDTRYAGAIN, text(string_id::try_again)},
-         {IDCONTINUE, text(string_id::continue_)}},
-        {{IDOK, text(string_id::ok)}},
-    };
-    for (const UINT dpi : {96U, 144U, 192U}) {
-        SCOPED_TRACE(dpi);
-        change_dpi(dpi);
-        for (const std::vector<message_button>& buttons : choices) {
-            bool seen = false;
-            const support::in_modal_loop look([&](HWND box) {
-                expect_fits(box);
-                seen = true;
-                ::PostMessageW(box, WM_COMMAND, static_cast<WPARAM>(buttons.front().id), 0);
-            });
-            girder::ui::show_message_box(window(), {.title = text(string_id::operation_error),
-                                                    .text = text(string_id::drop_absent_ports_and_share_all),
-                                                    .icon = girder::ui::message_icon::warning,
-                                                    .buttons = buttons,
-                                                    .check_box_text = text(string_id::do_not_display_again)});
-            EXPECT_TRUE(seen);
-        }
-    }
+    });
 }
 
 INSTANTIATE_TEST_SUITE_P(languages, language_fit_test, testing::ValuesIn(all_languages()), [](const auto& language) {

@@ -13,44 +13,80 @@
 
 namespace support {
 
+inline std::wstring class_of(HWND control)
+{
+    wchar_t kind[32]{};
+    ::GetClassNameW(control, kind, 32);
+    return kind;
+}
+
 /// A list or combo box has no text of its own that could be its name.
 inline bool is_list(HWND control)
 {
-    wchar_t kind[16]{};
-    ::GetClassNameW(control, kind, 16);
-    return ::lstrcmpiW(kind, L"SysListView32") == 0 || ::lstrcmpiW(kind, L"ComboBox") == 0;
+    return class_of(control) == L"SysListView32" || class_of(control) == L"ComboBox";
 }
 
-/// The name by which a screen reader calls a control. For a list this is not asked of the system, because not every one
-/// looks for the label, but found by the documented rule: a static control right before it, visible or not.
-inline std::u16string accessible_name(HWND control)
+inline girder::unique_com<IAccessible> accessible_of(HWND control)
 {
-    if (is_list(control)) {
-        const HWND before = ::GetWindow(control, GW_HWNDPREV);
-        wchar_t kind[16]{};
-        ::GetClassNameW(before, kind, 16);
-        return ::lstrcmpiW(kind, L"Static") == 0 ? girder::ui::window_text(before) : std::u16string();
-    }
     girder::unique_com<IAccessible> object;
     EXPECT_EQ(::AccessibleObjectFromWindow(control, static_cast<DWORD>(OBJID_CLIENT), __uuidof(IAccessible),
                                            reinterpret_cast<void**>(object.put())),
               S_OK);
-    VARIANT self{};
-    self.vt = VT_I4;
-    BSTR name = nullptr;
-    if (!object || object.get()->get_accName(self, &name) != S_OK || !name)
-        return {};
-    const std::u16string given(girder::as_utf16(name), ::SysStringLen(name));
-    ::SysFreeString(name);
-    return given;
+    return object;
 }
 
-/// Every control that takes the keyboard has a name.
-inline void expect_named_controls(HWND dialog)
+inline VARIANT accessible_child(long number = CHILDID_SELF)
 {
-    for (HWND child = ::GetWindow(dialog, GW_CHILD); child; child = ::GetWindow(child, GW_HWNDNEXT))
-        if ((::GetWindowLongPtrW(child, GWL_STYLE) & WS_TABSTOP) != 0)
-            EXPECT_FALSE(accessible_name(child).empty()) << ::GetDlgCtrlID(child);
+    VARIANT made{};
+    made.vt = VT_I4;
+    made.lVal = number;
+    return made;
+}
+
+/// The name by which a screen reader calls a control. Not every system looks for the label of a list or an edit: theirs
+/// is found by the documented rule, a static control right before it, visible or not.
+inline std::u16string accessible_name(HWND control)
+{
+    BSTR name = nullptr;
+    const girder::unique_com<IAccessible> object = accessible_of(control);
+    if (object && !is_list(control) && object.get()->get_accName(accessible_child(), &name) == S_OK && name) {
+        const std::u16string given(girder::as_utf16(name), ::SysStringLen(name));
+        ::SysFreeString(name);
+        return given;
+    }
+    const HWND before = ::GetWindow(control, GW_HWNDPREV);
+    return class_of(before) == L"Static" ? girder::ui::window_text(before) : std::u16string();
+}
+
+/// What the control is for a screen reader: by the system's documented rule for its own classes, because not every
+/// system tells it for each of them; 0 for others.
+inline long role_by_class(HWND control)
+{
+    const std::wstring kind = class_of(control);
+    const LONG_PTR type = ::GetWindowLongPtrW(control, GWL_STYLE) & BS_TYPEMASK;
+    if (kind == L"Button" && type == BS_AUTORADIOBUTTON)
+        return ROLE_SYSTEM_RADIOBUTTON;
+    if (kind == L"Button")
+        return type == BS_AUTOCHECKBOX ? ROLE_SYSTEM_CHECKBUTTON : ROLE_SYSTEM_PUSHBUTTON;
+    if (kind == L"Edit")
+        return ROLE_SYSTEM_TEXT;
+    if (kind == L"ComboBox")
+        return ROLE_SYSTEM_COMBOBOX;
+    return kind == L"SysListView32" ? ROLE_SYSTEM_LIST : 0;
+}
+
+inline long accessible_role(HWND control)
+{
+    VARIANT role{};
+    EXPECT_EQ(accessible_of(control).get()->get_accRole(accessible_child(), &role), S_OK);
+    return role.lVal == ROLE_SYSTEM_CLIENT ? role_by_class(control) : role.lVal;
+}
+
+inline bool takes_keyboard(HWND control)
+{
+    const LONG_PTR style = ::GetWindowLongPtrW(control, GWL_STYLE);
+    const bool is_radio_button = class_of(control) == L"Button" && (style & BS_TYPEMASK) == BS_AUTORADIOBUTTON;
+    return (style & WS_TABSTOP) != 0 || is_radio_button;
 }
 
 } // namespace support

@@ -1,7 +1,6 @@
 #include "looks.h"
 #include "modal_loop.h"
 #include "support/cases.h"
-#include "support/handle_marks.h"
 #include "ui/controls.h"
 #include "ui/message_box.h"
 #include "ui/message_box_ids.h"
@@ -286,19 +285,6 @@ TEST(message_box_test, text_longer_than_the_screen_leaves_the_buttons_on_it)
         ::PostMessageW(dialog, WM_COMMAND, IDOK, 0);
     });
     show_message_box(nullptr, {.title = u"Title", .text = repeated(u"line\n", 500), .buttons = ok});
-}
-
-TEST(message_box_test, openings_leave_no_handles)
-{
-    const auto ok = buttons_of({IDOK});
-    support::expect_no_lost_handles([&] {
-        const in_modal_loop closing([](HWND dialog) { ::PostMessageW(dialog, WM_COMMAND, IDOK, 0); });
-        show_message_box(nullptr, {.title = u"Title",
-                                   .text = u"[[[bText]]] [[[hhttps://a.example]]]",
-                                   .icon = message_icon::information,
-                                   .buttons = ok,
-                                   .check_box_text = u"Check"});
-    });
 }
 
 } // namespace
