@@ -149,7 +149,7 @@ void update_offer::upgrade(prepared_installer& installer)
     if (!dialog_.window())
         return;
     start_installer(installer.path);
-    installer.folder.keep();
+    installer.folder.keep_until_restart();
     if (!::PostMessageW(dialog_.window(), WM_CLOSE, 0, 0))
         girder::throw_last_error("PostMessageW");
 }

@@ -41,15 +41,21 @@ std::u16string unique_name()
     return girder::as_utf16(text.data());
 }
 
-void delete_files(const std::u16string& folder)
+void for_each_file(const std::u16string& folder, void (*action)(const wchar_t* path))
 {
     WIN32_FIND_DATAW entry{};
     const girder::unique_find search(::FindFirstFileW(as_wide(folder + u"\\*"), &entry));
     if (!search)
         return;
     do {
-        ::DeleteFileW(as_wide(folder + u'\\' + girder::as_utf16(entry.cFileName)));
+        if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0)
+            action(as_wide(folder + u'\\' + girder::as_utf16(entry.cFileName)));
     } while (::FindNextFileW(search.get(), &entry));
+}
+
+void delete_at_restart(const wchar_t* path)
+{
+    ::MoveFileExW(path, nullptr, MOVEFILE_DELAY_UNTIL_REBOOT);
 }
 
 } // namespace
@@ -74,8 +80,15 @@ secured_folder::~secured_folder()
 {
     if (path_.empty())
         return;
-    delete_files(path_);
+    for_each_file(path_, [](const wchar_t* path) { ::DeleteFileW(path); });
     ::RemoveDirectoryW(as_wide(path_));
+}
+
+void secured_folder::keep_until_restart()
+{
+    const std::u16string kept = std::exchange(path_, {});
+    for_each_file(kept, delete_at_restart);
+    delete_at_restart(as_wide(kept));
 }
 
 std::u16string secured_folder::path_of(std::u16string_view name) const

@@ -2,6 +2,7 @@
 
 #include "device_database/device_database.h"
 #include "settings_key.h"
+#include "support/debug_monitor.h"
 #include "support/handle_count.h"
 #include "support/reload_listener.h"
 #include "ui_driver/polling.h"
@@ -9,7 +10,6 @@
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <string>
 
 namespace e2e {
@@ -34,25 +34,27 @@ inline bool heard(const support::reload_listener& server, int times)
     return ui_driver::eventually([&] { return server.signals() >= times; }) && server.signals() == times;
 }
 
-/// The program holds no more handles after `rounds` of an action than before. It looks for updates two seconds after
-/// its start: as many as the system's libraries keep of that at most are left out.
+/// The program holds as many handles after `rounds` of an action as before, both counted when it has looked for
+/// updates: it does so two seconds after its start, and fails here, which is logged.
+/// \param log  begun before the program
 template <typename Action>
-void expect_no_more_handles(const utility& program, int rounds, Action action)
+void expect_no_more_handles(support::debug_monitor& log, const utility& program, int rounds, Action action)
 {
     constexpr int warm_up = 10;
-    constexpr std::size_t kept_by_libraries = 40;
-    const auto count_after_action = [&] {
-        action();
-        return support::handle_count(program.process_id());
+    const DWORD process = program.process_id();
+    const auto count = [process] {
+        return support::settled([process] { return support::handle_count(process); }, support::idle_threads_are_gone);
     };
-    std::size_t before = 0;
-    for (int round = 0; round < warm_up; ++round)
-        before = std::max(before, count_after_action());
+    const auto act = [&](int times) {
+        for (int i = 0; i < times && !testing::Test::HasFailure(); ++i)
+            action();
+    };
+    ASSERT_TRUE(ui_driver::eventually([&] { return log.of(process).find("[InternetOpenUrlW]") != std::string::npos; }));
+    act(warm_up);
+    const std::size_t before = count();
     ASSERT_GT(before, 0U);
-    std::size_t after = 0;
-    for (int round = 0; round < rounds && !testing::Test::HasFailure(); ++round)
-        after = count_after_action();
-    EXPECT_LE(after, before + kept_by_libraries);
+    act(rounds);
+    EXPECT_EQ(count(), before);
 }
 
 } // namespace e2e

@@ -77,9 +77,10 @@ TEST_F(process_test, the_running_marker_lives_as_long_as_the_program)
 TEST_F(process_test, handles_do_not_grow_over_200_saves)
 {
     const support::reload_listener server;
+    support::debug_monitor log;
     const utility program;
     int saves = 0;
-    expect_no_more_handles(program, 200, [&] {
+    expect_no_more_handles(log, program, 200, [&] {
         program.control(id::auto_discovery).click();
         program.control(id::apply).click();
         // Two signals that nobody has taken would be one.

@@ -4,8 +4,8 @@
     update_server.py INSTALLER FOLDER PORT COMMAND ...
 
 Makes an authority and signed copies of INSTALLER in FOLDER, answers on https://localhost:PORT while COMMAND runs, and
-ends with its exit code. What is answered is the scenario whose name stands in FOLDER/scenario; FOLDER/requests lists the
-paths that were asked for. Only the test environment trusts FOLDER/authority.der.
+ends with its exit code. It plays the scenario whose name stands in FOLDER/scenario, and says so in FOLDER/playing;
+FOLDER/requests lists the paths that were asked for. Only the test environment trusts FOLDER/authority.der.
 """
 
 import hashlib
@@ -16,6 +16,7 @@ import subprocess
 import sys
 import threading
 import time
+from dataclasses import dataclass, field
 from http.server import BaseHTTPRequestHandler, ThreadingHTTPServer
 from pathlib import Path
 
@@ -23,6 +24,7 @@ NEWER = 701011700
 OWN = 701001604
 SILENCE = 120
 FILE_LIMIT = 256 * 1024 * 1024
+ELSEWHERE_OVER_HTTP = "http://localhost:9/"
 
 
 def openssl(*arguments: str) -> None:
@@ -41,24 +43,34 @@ class Authority:
     def path(self, suffix: str) -> str:
         return str(self.folder / f"{self.name}.{suffix}")
 
-    def issue(self, name: str, subject: str, extensions: str) -> Path:
+    def issue(self, name: str, subject: str, extensions: str, days: int = 3650) -> Path:
         certificate = self.folder / f"{name}.pem"
         request, extension_file = certificate.with_suffix(".csr"), certificate.with_suffix(".ext")
         extension_file.write_text(f"basicConstraints=CA:FALSE\n{extensions}\n")
         openssl("req", "-newkey", "rsa:2048", "-nodes", "-keyout", str(certificate.with_suffix(".key")), "-out",
                 str(request), "-subj", f"/CN={subject}")  # fmt: skip
         openssl("x509", "-req", "-in", str(request), "-CA", self.path("pem"), "-CAkey", self.path("key"),
-                "-CAcreateserial", "-days", "3650", "-extfile", str(extension_file), "-out", str(certificate))  # fmt: skip
+                "-CAcreateserial", "-days", str(days), "-extfile", str(extension_file), "-out", str(certificate))  # fmt: skip
         return certificate
 
-    def sign(self, certificate: Path, program: Path, signed: Path) -> None:
+    def sign(self, certificate: Path, program: bytes, file: Path) -> bytes:
+        unsigned = file.with_suffix(".unsigned")
+        unsigned.write_bytes(program)
         subprocess.run(["osslsigncode", "sign", "-certs", str(certificate), "-key", str(certificate.with_suffix(".key")),
-                        "-ac", self.path("pem"), "-h", "sha256", "-in", str(program), "-out", str(signed)],
+                        "-ac", self.path("pem"), "-h", "sha256", "-in", str(unsigned), "-out", str(file)],
                        check=True, capture_output=True)  # fmt: skip
+        return file.read_bytes()
 
 
-def make_installers(folder: Path, authority: Authority, program: Path) -> dict[str, bytes]:
-    stranger = Authority(folder, "stranger")
+def as_library(program: bytes) -> bytes:
+    """The same image as a DLL, which no process can be started from."""
+    image = bytearray(program)
+    characteristics = int.from_bytes(image[0x3C:0x40], "little") + 22
+    image[characteristics + 1] |= 0x20
+    return bytes(image)
+
+
+def make_installers(folder: Path, authority: Authority, stranger: Authority, program: Path) -> dict[str, bytes]:
     signing = "extendedKeyUsage=codeSigning\nkeyUsage=digitalSignature"
     signers = {
         "good": (authority, authority.issue("vendor", "Zelmark", signing)),
@@ -67,115 +79,172 @@ def make_installers(folder: Path, authority: Authority, program: Path) -> dict[s
     }
     installers = {"unsigned": program.read_bytes()}
     for name, (issuer, certificate) in signers.items():
-        signed = folder / f"{name}.exe"
-        signed.unlink(missing_ok=True)
-        issuer.sign(certificate, program, signed)
-        installers[name] = signed.read_bytes()
+        installers[name] = issuer.sign(certificate, installers["unsigned"], folder / f"{name}.exe")
+    vendor = signers["good"][1]
+    installers["not_a_program"] = authority.sign(vendor, as_library(installers["unsigned"]), folder / "library.exe")
     tampered = bytearray(installers["good"])
     tampered[0x600] ^= 1
     installers["tampered"] = bytes(tampered)
     return installers
 
 
+def make_certificates(authority: Authority, stranger: Authority) -> dict[str, Path]:
+    """The server's certificates; scenarios of these names use them."""
+    here = "subjectAltName=DNS:localhost"
+    return {
+        "good": authority.issue("server", "localhost", here),
+        "server_of_another_name": authority.issue("wrong", "localhost", "subjectAltName=DNS:other.example"),
+        "server_with_an_expired_certificate": authority.issue("expired", "localhost", here, days=-1),
+        "server_of_an_unknown_authority": stranger.issue("pretender", "localhost", here),
+    }
+
+
+@dataclass
+class Answer:
+    body: bytes = b""
+    status: int = 200
+    announced: int | None = None
+    """The length that the head tells; without it, the body's."""
+    stalls: bool = False
+    location: str | None = None
+
+
+@dataclass
+class Scenario:
+    manifest: Answer
+    installer: Answer = field(default_factory=Answer)
+    redirects: int = 0
+    """How often the question for the manifest is sent on."""
+
+
+def manifest(version: int, **members: object) -> Answer:
+    return Answer(json.dumps({"Version": version, **members}).encode())
+
+
+def offer(content: bytes, **changes: object) -> Answer:
+    promised = {"Url": "/setup.exe", "Sha256": hashlib.sha256(content).hexdigest(), "Size": len(content)}
+    return manifest(NEWER, Installer={**promised, **changes})
+
+
+def make_scenarios(installers: dict[str, bytes]) -> dict[str, Scenario]:
+    good = installers["good"]
+    announcements = {
+        "Promo": {"Title": "[[[bSpring [offer]]]]: 20 % off", "Url": "https://www.zelmark.example/spring",
+                  "ExpiresOn": "2199-12-31T00:00:00"},
+        "LanguagePacks": [{"Name": "Deutsch", "Locale": "de", "Version": NEWER, "ClientVersion": OWN, "Credits": []}],
+    }  # fmt: skip
+    manifests = {
+        "same_version": Answer(offer(good).body.replace(b"%d" % NEWER, b"%d" % OWN)),
+        "older": Answer(offer(good).body.replace(b"%d" % NEWER, b"1")),
+        "announcements": manifest(OWN, **announcements),
+        "no_installer": manifest(NEWER),
+        "manifest_404": Answer(b"{}", 404),
+        "manifest_500": Answer(b"{}", 500),
+        "manifest_empty": Answer(),
+        "manifest_truncated": Answer(b'{"Version":%d' % NEWER, announced=1000),
+        "manifest_stalled": Answer(b'{"Version":', announced=1000, stalls=True),
+        "manifest_oversized": Answer(b'{"Version":%d,"x":"' % NEWER + b"x" * 600_000 + b'"}'),
+        "manifest_malformed": Answer(b"<html>It works!</html>"),
+        "manifest_of_wrong_kind": manifest(NEWER, LanguagePacks="de"),
+        "manifest_elsewhere_over_http": Answer(status=302, location=ELSEWHERE_OVER_HTTP),
+        "installer_over_http": offer(good, Url="http://localhost/setup.exe"),
+        "wrong_digest": offer(good, Sha256="00" * 32),
+        "wrong_size": offer(good, Size=len(good) + 1),
+    }
+    downloads = {
+        "installer_404": Answer(status=404),
+        "installer_truncated": Answer(good[:1000], announced=len(good)),
+        "installer_oversized": Answer(announced=FILE_LIMIT + 1),
+        "installer_stalled": Answer(good[:1000], announced=len(good), stalls=True),
+        "installer_elsewhere_over_http": Answer(status=302, location=ELSEWHERE_OVER_HTTP),
+    }
+    return {
+        **{name: Scenario(answer, Answer(good)) for name, answer in manifests.items()},
+        **{name: Scenario(offer(good), answer) for name, answer in downloads.items()},
+        **{name: Scenario(offer(content), Answer(content)) for name, content in installers.items()},
+        "nine_redirects": Scenario(manifest(NEWER), redirects=9),
+        "ten_redirects": Scenario(manifest(NEWER), redirects=10),
+    }
+
+
 class Handler(BaseHTTPRequestHandler):
     protocol_version = "HTTP/1.1"
-    folder: Path
-    installers: dict[str, bytes]
+    server: "Server"
 
     def log_message(self, format: str, *args: object) -> None:
         pass
 
-    def answer(self, body: bytes, status: int = 200, announced: int | None = None) -> None:
-        self.send_response(status)
-        self.send_header("Content-Length", str(len(body) if announced is None else announced))
-        self.end_headers()
-        self.wfile.write(body)
-
-    def answer_manifest(self, version: int, **members: object) -> None:
-        self.answer(json.dumps({"Version": version, **members}).encode())
-
     def do_GET(self) -> None:
-        with (self.folder / "requests").open("a") as requests:
+        with self.server.requests.open("a") as requests:
             requests.write(self.path + "\n")
-        scenario = (self.folder / "scenario").read_text().strip()
-        if self.path.startswith("/setup.exe"):
-            self.installer(scenario)
+        scenario = self.server.scenario
+        redirected = int(self.path.removeprefix("/sent/")) if self.path.startswith("/sent/") else 0
+        if self.path == "/setup.exe":
+            self.answer(scenario.installer)
+        elif redirected < scenario.redirects:
+            self.answer(Answer(status=302, location=f"/sent/{redirected + 1}"))
         else:
-            self.manifest(scenario)
+            self.answer(scenario.manifest)
 
-    def manifest(self, scenario: str) -> None:
-        content = self.installers.get(scenario, self.installers["good"])
-        promised = {"Url": "/setup.exe", "Sha256": hashlib.sha256(content).hexdigest(), "Size": len(content)}
-        if scenario == "wrong_digest":
-            promised["Sha256"] = "00" * 32
-        elif scenario == "wrong_size":
-            promised["Size"] = len(content) + 1
-        elif scenario == "installer_over_http":
-            promised["Url"] = "http://localhost/setup.exe"
-        if scenario in ("manifest_404", "manifest_500"):
-            self.answer(b"{}", int(scenario[-3:]))
-        elif scenario == "manifest_empty":
-            self.answer(b"")
-        elif scenario == "manifest_truncated":
-            self.answer(b'{"Version":%d' % NEWER, announced=1000)
-            self.close_connection = True
-        elif scenario == "manifest_stalled":
-            self.answer(b'{"Version":', announced=1000)
+    def answer(self, answer: Answer) -> None:
+        self.send_response(answer.status)
+        self.send_header("Content-Length", str(len(answer.body) if answer.announced is None else answer.announced))
+        if answer.location:
+            self.send_header("Location", answer.location)
+        self.end_headers()
+        self.wfile.write(answer.body)
+        if answer.stalls:
             time.sleep(SILENCE)
-        elif scenario == "manifest_oversized":
-            self.answer(b'{"Version":%d,"x":"' % NEWER + b"x" * 600_000 + b'"}')
-        elif scenario == "manifest_malformed":
-            self.answer(b"<html>It works!</html>")
-        elif scenario == "manifest_of_wrong_kind":
-            self.answer_manifest(NEWER, LanguagePacks="de")
-        elif scenario == "same_version":
-            self.answer_manifest(OWN, Installer=promised)
-        elif scenario == "older":
-            self.answer_manifest(1, Installer=promised)
-        elif scenario == "no_installer":
-            self.answer_manifest(NEWER)
-        else:
-            self.answer_manifest(NEWER, Installer=promised)
-
-    def installer(self, scenario: str) -> None:
-        content = self.installers.get(scenario, self.installers["good"])
-        if scenario == "installer_404":
-            self.answer(b"", 404)
-        elif scenario == "installer_truncated":
-            self.answer(content[:1000], announced=len(content))
-            self.close_connection = True
-        elif scenario == "installer_oversized":
-            self.answer(b"", announced=FILE_LIMIT + 1)
-        elif scenario == "installer_stalled":
-            self.answer(content[:1000], announced=len(content))
-            time.sleep(SILENCE)
-        else:
-            self.answer(content)
+        self.close_connection = answer.announced is not None
 
 
 class Server(ThreadingHTTPServer):
     daemon_threads = True
 
+    def __init__(self, port: int, requests: Path, scenario: Scenario, certificate: Path) -> None:
+        super().__init__(("localhost", port), Handler)
+        self.requests, self.scenario = requests, scenario
+        self.context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
+        self.context.load_cert_chain(certificate, certificate.with_suffix(".key"))
+        self.socket = self.context.wrap_socket(self.socket, server_side=True, do_handshake_on_connect=False)
+
     def handle_error(self, request: object, client_address: object) -> None:
         pass  # clients go away as they like
 
 
-def serve(folder: Path, port: int, certificate: Path) -> None:
-    server = Server(("localhost", port), Handler)
-    context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
-    context.load_cert_chain(certificate, certificate.with_suffix(".key"))
-    server.socket = context.wrap_socket(server.socket, server_side=True, do_handshake_on_connect=False)
-    threading.Thread(target=server.serve_forever, daemon=True).start()
+def play_scenarios(folder: Path, port: int, scenarios: dict[str, Scenario], certificates: dict[str, Path]) -> None:
+    """Plays what is asked for, each on a server of its own; "nobody_listens" on none."""
+    asked, playing = folder / "scenario", ""
+    server = None
+    while True:
+        time.sleep(0.02)
+        wanted = asked.read_text() if asked.exists() else ""
+        if wanted == playing:
+            continue
+        if server:
+            server.shutdown()
+            server.server_close()
+            server = None
+        if wanted != "nobody_listens":
+            scenario = scenarios.get(wanted, scenarios["good"])
+            certificate = certificates.get(wanted, certificates["good"])
+            try:
+                server = Server(port, folder / "requests", scenario, certificate)
+            except OSError:
+                continue  # the port is in use for a moment
+            threading.Thread(target=server.serve_forever, kwargs={"poll_interval": 0.02}, daemon=True).start()
+        playing = wanted
+        (folder / "playing").write_text(playing)
 
 
 def main() -> int:
     program, folder, port = Path(sys.argv[1]), Path(sys.argv[2]), int(sys.argv[3])
     shutil.rmtree(folder, ignore_errors=True)
     folder.mkdir(parents=True)
-    authority = Authority(folder, "authority")
-    Handler.folder = folder
-    Handler.installers = make_installers(folder, authority, program)
-    serve(folder, port, authority.issue("server", "localhost", "subjectAltName=DNS:localhost"))
+    authority, stranger = Authority(folder, "authority"), Authority(folder, "stranger")
+    scenarios = make_scenarios(make_installers(folder, authority, stranger, program))
+    certificates = make_certificates(authority, stranger)
+    threading.Thread(target=play_scenarios, args=(folder, port, scenarios, certificates), daemon=True).start()
     return subprocess.run(sys.argv[4:], check=False).returncode
 
 

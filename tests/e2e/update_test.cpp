@@ -4,22 +4,29 @@
 #include "base/unique_handle.h"
 #include "fixture.h"
 #include "support/cases.h"
+#include "support/debug_monitor.h"
+#include "support/gui_objects.h"
+#include "support/handle_count.h"
 
 #include <windows.h>
 
 #include <gtest/gtest.h>
 #include <wincrypt.h>
 
+#include <atomic>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <thread>
 
 namespace {
 
 using namespace e2e;
 using namespace std::chrono_literals;
 using ui_driver::eventually;
+
+constexpr char16_t about_title[] = u"About Tidelink Port Server";
 
 std::filesystem::path server_folder;
 
@@ -35,27 +42,80 @@ struct store_traits {
     static void close(raw_type store) noexcept { ::CertCloseStore(store, 0); }
 };
 
-girder::unique_handle<store_traits> root_store()
-{
-    return girder::unique_handle<store_traits>(
-        ::CertOpenStore(CERT_STORE_PROV_SYSTEM_W, 0, 0, CERT_SYSTEM_STORE_CURRENT_USER, L"Root"));
-}
-
-/// Has this Wine prefix alone trust the server's authority, which is a new one in every run, from now on.
+/// Has this Wine prefix alone trust the server's authority, which is a new one in every run.
 void trust_authority()
 {
+    const girder::unique_handle<store_traits> roots(
+        ::CertOpenStore(CERT_STORE_PROV_SYSTEM_W, 0, 0, CERT_SYSTEM_STORE_CURRENT_USER, L"Root"));
     const std::string encoded = content_of(server_folder / "authority.der");
     ASSERT_TRUE(::CertAddEncodedCertificateToStore(
-        root_store().get(), X509_ASN_ENCODING, reinterpret_cast<const BYTE*>(encoded.data()),
+        roots.get(), X509_ASN_ENCODING, reinterpret_cast<const BYTE*>(encoded.data()),
         static_cast<DWORD>(encoded.size()), CERT_STORE_ADD_REPLACE_EXISTING, nullptr));
 }
 
+/// What a process holds of the system's.
+struct holdings {
+    std::size_t kernel_handles;
+    std::size_t gdi_objects;
+    std::size_t windows;
+
+    bool operator==(const holdings&) const = default;
+};
+
+/// A run of the program, which is watched from the appearance of its window on.
+class watched_utility : public utility {
+public:
+    watched_utility() : window_(window()), watching_([this](const std::stop_token& ending) { watch(ending); }) {}
+
+    bool offered() const { return offered_; }
+    /// The longest time that the window has taken to answer.
+    std::chrono::milliseconds longest() const { return longest_.load(); }
+    holdings held() const
+    {
+        return {support::handle_count(process_id()), support::gdi_object_count(process()),
+                support::window_count(process_id())};
+    }
+
+private:
+    void watch(const std::stop_token& ending)
+    {
+        constexpr UINT patience_ms = 10'000;
+        constexpr DWORD interval_ms = 10;
+        while (!ending.stop_requested()) {
+            const auto asked = std::chrono::steady_clock::now();
+            DWORD_PTR result = 0;
+            ::SendMessageTimeoutW(window_.handle(), WM_NULL, 0, 0, SMTO_NORMAL, patience_ms, &result);
+            const auto taken = std::chrono::steady_clock::now() - asked;
+            longest_ = std::max(longest_.load(), std::chrono::duration_cast<std::chrono::milliseconds>(taken));
+            offered_ = offered_ || !ui_driver::find_dialogs(question_title, process_id()).empty();
+            ::Sleep(interval_ms);
+        }
+    }
+
+    ui_driver::dialog window_;
+    std::atomic<bool> offered_ = false;
+    std::atomic<std::chrono::milliseconds> longest_ = 0ms;
+    std::jthread watching_;
+};
+
 class update_test : public machine_test {
 protected:
+    static void SetUpTestSuite()
+    {
+        trust_authority();
+        play("manifest_empty");
+        const support::debug_monitor log;
+        const watched_utility program;
+        const holdings before = support::settled([&] { return program.held(); }, 500ms);
+        kept_by_the_system_ =
+            support::settled([&] { return program.held(); }, support::idle_threads_are_gone).kernel_handles -
+            before.kernel_handles;
+        ASSERT_EQ(requests(), 1U);
+        program.close();
+    }
     void SetUp() override
     {
         machine_test::SetUp();
-        std::filesystem::remove(server_folder / "requests");
         std::filesystem::remove(record_);
         ::SetEnvironmentVariableW(L"TIDELINK_INSTALLER_RECORD", record_.c_str());
         remove_left_folders();
@@ -67,13 +127,20 @@ protected:
         machine_test::TearDown();
     }
 
-    static void play(const std::string& scenario) { std::ofstream(server_folder / "scenario") << scenario; }
+    static void play(const std::string& scenario)
+    {
+        std::filesystem::remove(server_folder / "requests");
+        std::ofstream(server_folder / "scenario") << scenario;
+        ASSERT_TRUE(eventually([&] { return content_of(server_folder / "playing") == scenario; }));
+    }
 
     static std::size_t requests()
     {
         const std::string list = content_of(server_folder / "requests");
         return static_cast<std::size_t>(std::ranges::count(list, '\n'));
     }
+
+    std::string logged(const utility& program) { return log_.of(program.process_id()); }
 
     /// The folders with installers that there are.
     static std::vector<std::filesystem::path> installer_folders()
@@ -94,45 +161,36 @@ protected:
         return left_folders() == 0;
     }
 
-    static bool offered(const utility& program)
-    {
-        return !ui_driver::find_dialogs(question_title, program.process_id()).empty();
-    }
-
-    /// Answers as a window does that is not busy.
-    static bool answers(const ui_driver::dialog& window)
-    {
-        DWORD_PTR result = 0;
-        return ::SendMessageTimeoutW(window.handle(), WM_NULL, 0, 0, SMTO_ABORTIFHUNG, 500, &result) != 0;
-    }
-
     std::string record() const { return content_of(record_); }
 
-private:
-    const std::filesystem::path record_ = server_folder / "installer record";
-};
+    /// A check has left nothing but what the system's network library keeps after the first exchange, whatever its
+    /// answer, and the window has answered all the time.
+    static void expect_nothing_kept(const watched_utility& program, const holdings& before)
+    {
+        EXPECT_TRUE(eventually([&] {
+            return program.held().kernel_handles <= before.kernel_handles + kept_by_the_system_;
+        })) << program.held().kernel_handles
+            << " after " << before.kernel_handles << " and " << kept_by_the_system_;
+        EXPECT_EQ(program.held().windows, before.windows);
+        EXPECT_LT(program.longest(), 2s);
+    }
 
-// Comes first, because nothing takes the trust back.
-TEST_F(update_test, a_server_without_trust_is_not_believed)
-{
-    play("good");
-    const utility program;
-    const ui_driver::dialog window = program.window();
-    EXPECT_FALSE(eventually([&] { return offered(program) || requests() > 0; }, 4s));
-    EXPECT_TRUE(answers(window));
-    EXPECT_EQ(program.close(), 0U);
-}
+private:
+    static inline std::size_t kept_by_the_system_ = 0;
+
+    const std::filesystem::path record_ = server_folder / "installer record";
+    support::debug_monitor log_;
+};
 
 TEST_F(update_test, yes_starts_the_installer_which_waits_for_the_end)
 {
-    trust_authority();
     play("good");
     const utility program;
     const ui_driver::dialog question = program.message(question_title);
     EXPECT_EQ(utility::text_of(question),
               "Tidelink Port Server version 7.01.01.1700 is available. Do you want to upgrade now?");
-    EXPECT_THAT(content_of(server_folder / "requests"),
-                testing::StartsWith("/dispatch/tps-server7/checkforupdates?ver=701001604\n/setup.exe\n"));
+    EXPECT_EQ(content_of(server_folder / "requests"),
+              "/dispatch/tps-server7/checkforupdates?ver=701001604\n/setup.exe\n");
     const auto folders = installer_folders();
     ASSERT_EQ(folders.size(), 1U);
     const std::wstring file = (folders[0] / "tidelink-setup.exe").wstring();
@@ -148,18 +206,31 @@ TEST_F(update_test, yes_starts_the_installer_which_waits_for_the_end)
 
 TEST_F(update_test, no_deletes_the_installer_and_leaves_the_program_as_it_was)
 {
-    trust_authority();
     play("good");
-    const utility program;
+    const watched_utility program;
+    // The first rich text brings the system's drawing libraries along.
+    program.control(id::about).post_click();
+    utility::answer(program.message(about_title), id::cancel);
+    const holdings before = support::settled([&] { return program.held(); }, 500ms);
     utility::answer(program.message(question_title), id::no);
     EXPECT_TRUE(eventually([] { return left_folders() == 0; }));
+    expect_nothing_kept(program, before);
     EXPECT_EQ(program.close(), 0U);
     EXPECT_EQ(record(), "");
 }
 
+TEST_F(update_test, what_cannot_be_started_is_deleted_and_told)
+{
+    play("not_a_program");
+    const utility program;
+    utility::answer(program.message(question_title), id::yes);
+    utility::answer(program.message(error_title), id::ok);
+    EXPECT_EQ(left_folders(), 0U);
+    EXPECT_EQ(program.close(), 0U);
+}
+
 TEST_F(update_test, changes_that_are_not_applied_are_asked_about)
 {
-    trust_authority();
     play("good");
     const utility program;
     program.control(id::auto_discovery).click();
@@ -173,15 +244,61 @@ TEST_F(update_test, changes_that_are_not_applied_are_asked_about)
     EXPECT_TRUE(eventually(remove_left_folders));
 }
 
-TEST_F(update_test, a_release_without_an_installer_is_told)
+TEST_F(update_test, a_release_without_an_installer_is_told_after_nine_redirects_at_most)
 {
-    trust_authority();
-    play("no_installer");
-    const utility program;
-    const ui_driver::dialog told = program.message(question_title);
-    EXPECT_THAT(utility::text_of(told), testing::HasSubstr("7.01.01.1700 is available."));
-    utility::answer(told, id::ok);
+    for (const std::string scenario : {"no_installer", "nine_redirects"}) {
+        play(scenario);
+        const utility program;
+        const ui_driver::dialog told = program.message(question_title);
+        EXPECT_THAT(utility::text_of(told), testing::HasSubstr("7.01.01.1700 is available."));
+        utility::answer(told, id::ok);
+        EXPECT_EQ(program.close(), 0U);
+    }
+    play("ten_redirects");
+    const watched_utility program;
+    EXPECT_TRUE(eventually([&] { return logged(program).find(" 00002F7C ") != std::string::npos; }));
     EXPECT_EQ(program.close(), 0U);
+    EXPECT_FALSE(program.offered());
+}
+
+TEST_F(update_test, announcements_are_plain_texts_in_the_about_box)
+{
+    constexpr int about_links = 1019;
+    play("announcements");
+    const utility program;
+    std::u16string links;
+    EXPECT_TRUE(eventually([&] {
+        program.control(id::about).post_click();
+        const ui_driver::dialog about = program.message(about_title);
+        links = about.item(about_links).text();
+        utility::answer(about, id::cancel);
+        return links.find(u'\n') != std::u16string::npos;
+    }));
+    EXPECT_EQ(links, u"www.zelmark.example\n[[[bSpring [offer]]]]: 20 % off\nNewer language packs: Deutsch");
+    EXPECT_EQ(program.close(), 0U);
+}
+
+TEST_F(update_test, a_server_that_falls_silent_is_given_up_after_30_seconds)
+{
+    play("manifest_stalled");
+    const watched_utility program;
+    EXPECT_TRUE(eventually([] { return requests() == 1; }));
+    const auto silent_since = std::chrono::steady_clock::now();
+    EXPECT_TRUE(eventually([&] { return logged(program).find(" 00002EE2 ") != std::string::npos; }, 60s));
+    EXPECT_GT(std::chrono::steady_clock::now() - silent_since, 29s);
+    EXPECT_EQ(program.close(), 0U);
+    EXPECT_FALSE(program.offered());
+    EXPECT_LT(program.longest(), 2s);
+}
+
+TEST_F(update_test, closing_ends_a_download_at_once)
+{
+    play("installer_stalled");
+    const utility program;
+    EXPECT_TRUE(eventually([] { return requests() == 2 && left_folders() == 1; }));
+    const auto closed = std::chrono::steady_clock::now();
+    EXPECT_EQ(program.close(), 0U);
+    EXPECT_LT(std::chrono::steady_clock::now() - closed, 2s);
 }
 
 TEST_F(update_test, a_timer_message_of_another_program_during_the_look_changes_nothing)
@@ -204,48 +321,53 @@ TEST_F(update_test, a_timer_message_of_another_program_during_the_look_changes_n
 struct silent_case {
     const char* name;
     std::size_t requests;
+    const char* logged; ///< the error's code or text; empty when nothing has failed
 };
 class silent_test : public update_test, public testing::WithParamInterface<silent_case> {};
 
-TEST_P(silent_test, is_not_offered_and_leaves_nothing)
+TEST_P(silent_test, is_logged_not_offered_and_leaves_nothing)
 {
-    trust_authority();
     play(GetParam().name);
-    const utility program;
-    const ui_driver::dialog window = program.window();
-    EXPECT_TRUE(eventually([] { return requests() >= GetParam().requests; }));
-    // What comes of the last answer comes at once; until then the window must not be busy.
-    const auto late = std::chrono::steady_clock::now() + 1s;
-    while (std::chrono::steady_clock::now() < late && !offered(program))
-        ASSERT_TRUE(answers(window));
-    EXPECT_FALSE(offered(program));
+    const watched_utility program;
+    const holdings before = support::settled([&] { return program.held(); }, 500ms);
+    EXPECT_TRUE(eventually([&] {
+        return requests() >= GetParam().requests && logged(program).find(GetParam().logged) != std::string::npos;
+    })) << logged(program);
+    expect_nothing_kept(program, before);
+    EXPECT_EQ(program.held().gdi_objects, before.gdi_objects);
     EXPECT_EQ(requests(), GetParam().requests);
+    EXPECT_EQ(left_folders(), 0U);
     EXPECT_EQ(program.close(), 0U);
+    EXPECT_FALSE(program.offered());
 }
 
 INSTANTIATE_TEST_SUITE_P(scenarios, silent_test,
                          testing::ValuesIn(std::vector<silent_case>{
-                             {"same_version", 1},
-                             {"older", 1},
-                             {"manifest_404", 1},
-                             {"manifest_500", 1},
-                             {"manifest_empty", 1},
-                             {"manifest_truncated", 1},
-                             {"manifest_oversized", 1},
-                             {"manifest_malformed", 1},
-                             {"manifest_of_wrong_kind", 1},
-                             {"manifest_stalled", 1},
-                             {"installer_over_http", 1},
-                             {"installer_404", 2},
-                             {"installer_truncated", 2},
-                             {"installer_oversized", 2},
-                             {"installer_stalled", 2},
-                             {"wrong_size", 2},
-                             {"wrong_digest", 2},
-                             {"unsigned", 2},
-                             {"tampered", 2},
-                             {"other_publisher", 2},
-                             {"unknown_authority", 2},
+                             {"same_version", 1, ""},
+                             {"older", 1, ""},
+                             {"nobody_listens", 0, " 00002EFD "},
+                             {"server_of_an_unknown_authority", 0, " 00002F19 "},
+                             {"server_of_another_name", 0, " 00002F06 "},
+                             {"server_with_an_expired_certificate", 0, " 00002F05 "},
+                             {"manifest_404", 1, " 80070057 "},
+                             {"manifest_500", 1, " 80070057 "},
+                             {"manifest_empty", 1, "[Object expected]"},
+                             {"manifest_truncated", 1, " 00002EFE "},
+                             {"manifest_oversized", 1, " 000000DF "},
+                             {"manifest_malformed", 1, "[bad json format (1,0)]"},
+                             {"manifest_of_wrong_kind", 1, "[Array expected]"},
+                             {"manifest_elsewhere_over_http", 1, " 00002F7C "},
+                             {"installer_over_http", 1, "[The installer is not offered over https.]"},
+                             {"installer_404", 2, " 80070057 "},
+                             {"installer_truncated", 2, " 00002EFE "},
+                             {"installer_oversized", 2, " 000000DF "},
+                             {"installer_elsewhere_over_http", 2, " 00002F7C "},
+                             {"wrong_size", 2, "another size"},
+                             {"wrong_digest", 2, "another digest"},
+                             {"unsigned", 2, "no valid signature"},
+                             {"tampered", 2, "no valid signature"},
+                             {"other_publisher", 2, "signed by somebody else"},
+                             {"unknown_authority", 2, "signer is not trusted"},
                          }),
                          support::name_of_row);
 

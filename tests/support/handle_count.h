@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstddef>
 #include <stdexcept>
 #include <vector>
@@ -45,5 +46,24 @@ inline std::size_t handle_count(DWORD process = ::GetCurrentProcessId())
     return static_cast<std::size_t>(
         std::count_if(first, first + list->count, [&](const entry& each) { return each.process == process; }));
 }
+
+/// What `count` tells once it has told the same for that long.
+template <typename Count>
+auto settled(Count count, std::chrono::milliseconds quiet)
+{
+    constexpr DWORD interval_ms = 50;
+    auto last = count();
+    for (auto since = std::chrono::steady_clock::now(); std::chrono::steady_clock::now() - since < quiet;) {
+        ::Sleep(interval_ms);
+        if (auto now = count(); now != last) {
+            last = now;
+            since = std::chrono::steady_clock::now();
+        }
+    }
+    return last;
+}
+
+/// The system's thread pools end a thread that was idle for 5 s.
+inline constexpr std::chrono::seconds idle_threads_are_gone{6};
 
 } // namespace support
