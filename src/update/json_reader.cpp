@@ -183,14 +183,15 @@ reader::member reader::member_at(const char* at) const
 {
     if (*at != '"')
         refuse(at);
-    const text_token name = scan_text(at);
-    at = std::find_if_not(name.after(), end_, is_space);
+    // The name is made where it is used: a copy would wait for its single bytes to be stored.
+    member found{.name = scan_text(at), .value = nullptr};
+    at = std::find_if_not(found.name.after(), end_, is_space);
     if (at == end_ || *at != ':')
         refuse(at);
-    at = next_token(at + 1);
-    if (closes(at))
-        refuse(at);
-    return {.name = name, .value = at};
+    found.value = next_token(at + 1);
+    if (closes(found.value))
+        refuse(found.value);
+    return found;
 }
 
 void reader::check_depth(const char* at, unsigned depth) const
