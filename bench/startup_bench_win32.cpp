@@ -14,7 +14,8 @@
 #include <memory>
 #include <string>
 
-// Start to idle of the program beside a dialog in plain C with the same template, list and platform calls.
+// Start to idle of the program, as it is released, beside a dialog in plain C with the same template, list and platform
+// calls.
 
 namespace {
 
@@ -133,7 +134,7 @@ int main()
     fill_device_database();
     bench::report report("Start");
     const std::u16string folder = girder::program_folder();
-    const auto utility = std::make_shared<program>(folder + u"..\\tl_server_config.exe");
+    const auto utility = std::make_shared<program>(folder + u"..\\..\\windows\\tl_server_config.exe");
     const auto reference = std::make_shared<program>(folder + u"reference_dialog.exe");
     report.compare({.work = "start to idle",
                     .goal = 1.10,
