@@ -1,0 +1,204 @@
+// soak.exe PROGRAM STAND-IN-SERVER MINUTES: uses one run of the program in every way, again and again, and looks at
+// what it holds. Ends with 0 when it holds as much at the end as after the first minute, give or take 2 %.
+
+#include "base/handles.h"
+#include "base/win32_error.h"
+#include "demo_service.h"
+#include "device_database/device_database.h"
+#include "settings_key.h"
+#include "support/handle_count.h"
+#include "support/handle_marks.h"
+#include "utility.h"
+
+#include <windows.h>
+
+#include <psapi.h>
+#include <winternl.h>
+
+#include <array>
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <iostream>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+using namespace e2e;
+using namespace std::chrono_literals;
+using clock = std::chrono::steady_clock;
+
+struct figure {
+    const char* name;
+    std::size_t value;
+};
+using figures = std::array<figure, 4>;
+
+/// The objects of GDI in a process's handle table, of which every process has a view. GetGuiResources would be the
+/// documented way, but Wine's always tells 0.
+std::size_t gdi_objects(HANDLE process)
+{
+    struct entry {
+        std::uint64_t object;
+        std::uint16_t owner;
+        std::uint16_t count;
+        std::uint16_t unique;
+        std::uint8_t type;
+        std::uint8_t flags;
+        std::uint64_t user;
+    };
+    constexpr std::size_t table_size = 0x10000;
+    constexpr std::size_t table_in_process_block = 0xF8;
+    const auto query = reinterpret_cast<decltype(::NtQueryInformationProcess)*>(
+        reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleW(L"ntdll.dll"), "NtQueryInformationProcess")));
+    PROCESS_BASIC_INFORMATION basics{};
+    const void* table = nullptr;
+    std::vector<entry> entries(table_size);
+    if (query(process, ProcessBasicInformation, &basics, sizeof basics, nullptr) != 0 ||
+        !::ReadProcessMemory(process,
+                             reinterpret_cast<const std::byte*>(basics.PebBaseAddress) + table_in_process_block, &table,
+                             sizeof table, nullptr) ||
+        !::ReadProcessMemory(process, table, entries.data(), entries.size() * sizeof(entry), nullptr))
+        girder::throw_last_error("ReadProcessMemory");
+    return static_cast<std::size_t>(std::ranges::count_if(entries, [](const entry& each) { return each.type != 0; }));
+}
+
+std::size_t private_kilobytes(HANDLE process)
+{
+    PROCESS_MEMORY_COUNTERS memory{};
+    if (!::GetProcessMemoryInfo(process, &memory, sizeof memory))
+        girder::throw_last_error("GetProcessMemoryInfo");
+    return memory.PagefileUsage / 1024;
+}
+
+/// The least of each over some seconds, in which the threads of the pool end that have nothing left to do.
+figures look_at(const utility& program)
+{
+    figures least{{{"handles", SIZE_MAX},
+                   {"GDI objects", SIZE_MAX},
+                   {"mark of USER objects", SIZE_MAX},
+                   {"private KiB", SIZE_MAX}}};
+    for (const auto until = clock::now() + 12s; clock::now() < until; ::Sleep(500)) {
+        const std::array<std::size_t, 4> now{support::handle_count(program.process_id()),
+                                             gdi_objects(program.process()), support::handle_marks()[2],
+                                             private_kilobytes(program.process())};
+        for (std::size_t i = 0; i < now.size(); ++i)
+            least.at(i).value = std::min(least.at(i).value, now.at(i));
+    }
+    return least;
+}
+
+void print(const figures& what, long long seconds, int rounds)
+{
+    std::cout << seconds << " s, " << rounds << " rounds:";
+    for (const figure& each : what)
+        std::cout << "  " << each.name << ' ' << each.value;
+    std::cout << std::endl;
+}
+
+struct flow {
+    std::string_view name;
+    void (*run)(const utility& program, int round);
+};
+
+constexpr flow flows[] = {
+    {"update",
+     [](const utility& program, int) {
+         constexpr WPARAM timer_of_update_check = 0x5550;
+         ::PostMessageW(program.window().handle(), WM_TIMER, timer_of_update_check, 0);
+     }},
+    {"apply",
+     [](const utility& program, int) {
+         program.control(id::auto_discovery).click();
+         program.list().toggle(1);
+         program.control(id::apply).click();
+     }},
+    {"about",
+     [](const utility& program, int) {
+         program.control(id::about).post_click();
+         utility::answer(program.message(u"About Tidelink Port Server"), id::cancel);
+     }},
+    {"access",
+     [](const utility& program, int) {
+         program.control(id::security).post_click();
+         utility::answer(program.access_editor(), id::cancel);
+     }},
+    {"language",
+     [](const utility& program, int round) {
+         program.choose_language(1 + round % 2);
+         utility::answer(program.message(question_title), id::no);
+     }},
+    {"service",
+     [](const utility& program, int) {
+         program.control(id::start).click();
+         program.control(id::stop).click();
+     }},
+};
+
+bool within_two_percent(const figure& last, const figure& first)
+{
+    const auto difference = static_cast<long long>(last.value) - static_cast<long long>(first.value);
+    return std::llabs(difference) * 50 <= static_cast<long long>(first.value);
+}
+
+void prepare(const demo_service& service)
+{
+    settings_key::remove();
+    device_database::remove_port_devices();
+    for (const std::u16string port : {u"COM1", u"COM3", u"COM7"})
+        device_database::add_port(port, u"USB Serial Port (" + port + u")");
+    std::filesystem::copy(std::filesystem::path(program_under_test).parent_path() / "../../languages",
+                          std::filesystem::path(service.program()).parent_path() / "languages");
+    service.install();
+}
+
+bool soak(std::chrono::minutes duration, std::string_view only)
+{
+    const demo_service service;
+    prepare(service);
+    const utility program(service.program());
+    program.control(id::share_selected).click();
+    const auto begin = clock::now();
+    const auto seconds = [begin] {
+        return std::chrono::duration_cast<std::chrono::seconds>(clock::now() - begin).count();
+    };
+    int rounds = 0;
+    const auto use_until = [&](clock::time_point until) {
+        for (; clock::now() < until; ++rounds)
+            for (const flow& each : flows)
+                if (only.empty() || only == each.name)
+                    each.run(program, rounds);
+        const figures now = look_at(program);
+        print(now, seconds(), rounds);
+        return now;
+    };
+    const figures first = use_until(begin + 1min);
+    figures last = first;
+    for (auto next = begin + 2min; next <= begin + duration; next += std::max(1min, duration / 12))
+        last = use_until(next);
+    bool steady = true;
+    for (std::size_t i = 0; i < first.size(); ++i)
+        if (!within_two_percent(last.at(i), first.at(i))) {
+            std::cout << first.at(i).name << ": " << first.at(i).value << " after the first minute, "
+                      << last.at(i).value << " at the end\n";
+            steady = false;
+        }
+    return program.close() == 0 && steady;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+try {
+    if (argc != 4 && argc != 5) {
+        std::cerr << "soak: which program, which server, how many minutes?\n";
+        return EXIT_FAILURE;
+    }
+    program_under_test = std::filesystem::absolute(argv[1]).u16string();
+    server_under_test = std::filesystem::absolute(argv[2]).u16string();
+    return soak(std::chrono::minutes(std::atoi(argv[3])), argc == 5 ? argv[4] : "") ? EXIT_SUCCESS : EXIT_FAILURE;
+} catch (const std::exception& error) {
+    std::cerr << "soak: " << error.what() << '\n';
+    return EXIT_FAILURE;
+}
