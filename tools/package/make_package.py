@@ -19,8 +19,9 @@ ROOT = Path(__file__).resolve().parents[2]
 
 DOCUMENTS = {"administrators-guide.html": "administrators-guide.md", "registry-reference.html": "registry-reference.md"}
 
-# Of the packages whose code is part of the executable. Boost asks for no copy of its licence beside compiled code.
+# Of the packages whose code is part of the executable.
 LICENCES = {
+    "licences/boost.txt": Path("/usr/share/doc/libboost1.81-dev/copyright"),
     "licences/gcc-runtime-libraries.txt": Path("/usr/share/doc/g++-mingw-w64-x86-64-posix/copyright"),
     "licences/mingw-w64.txt": Path("/usr/share/doc/mingw-w64-x86-64-dev/copyright"),
 }
