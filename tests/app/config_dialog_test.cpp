@@ -38,6 +38,13 @@ TEST_F(config_dialog_test, lists_and_the_status_are_named_after_their_labels)
     EXPECT_EQ(support::accessible_name(dialog_.control(IDC_STATUS)), u"Status:");
 }
 
+TEST_F(config_dialog_test, the_service_is_shown_before_the_window_is)
+{
+    EXPECT_NE(girder::ui::window_text(dialog_.control(IDC_STATUS)), u"");
+    EXPECT_EQ(girder::ui::window_text(dialog_.control(IDC_START)), u"&Install");
+    EXPECT_FALSE(::IsWindowEnabled(dialog_.control(IDC_STOP)));
+}
+
 TEST_F(config_dialog_test, a_command_by_the_registered_message_answers_1)
 {
     EXPECT_EQ(::SendMessageW(dialog_.window(), WM_COMMAND, MAKEWPARAM(IDC_AUTO_DISCOVERY, BN_CLICKED), 0), 0);

@@ -139,6 +139,20 @@ TEST_F(absent_port_test, the_question_tells_when_no_port_is_left_and_all_get_sha
     EXPECT_THAT(settings_key::read(), ElementsAre(Pair(u"sharedPorts", ports({3, 7, 12}))));
 }
 
+TEST_F(absent_port_test, what_another_program_changes_under_the_question_is_asked_about_again)
+{
+    const utility program;
+    const HWND check_box = program.control(id::auto_discovery).handle();
+    program.check_ports({1});
+    program.control(id::apply).post_click();
+    const ui_driver::dialog question = program.message(question_title);
+    ui_driver::send(check_box, BM_SETCHECK, BST_UNCHECKED);
+    utility::answer(question, id::yes);
+    utility::answer(program.message(question_title), id::yes);
+    EXPECT_TRUE(heard(server_, 1));
+    EXPECT_THAT(settings_key::read(), ElementsAre(Pair(u"autoDiscovery", number(0)), Pair(u"sharedPorts", ports({1}))));
+}
+
 TEST_F(absent_port_test, answering_no_to_ok_keeps_the_window_and_its_changes)
 {
     const utility program;

@@ -60,16 +60,6 @@ TEST_F(typical_request_test, ok_after_changes_writes_once_and_ends_the_program)
                 ElementsAre(Pair(u"autoDiscovery", number(0)), Pair(u"sharedPorts", ports({7, 10}))));
 }
 
-TEST_F(typical_request_test, ok_without_changes_writes_nothing)
-{
-    settings_key::write(u"left by another program", text(u"x"));
-    const utility program;
-    program.window().item(id::ok).post_click();
-    EXPECT_EQ(program.exit_code(), 0U);
-    EXPECT_THAT(settings_key::read(), ElementsAre(Pair(u"left by another program", text(u"x"))));
-    EXPECT_TRUE(heard(server_, 0));
-}
-
 TEST_F(typical_request_test, cancel_and_the_close_box_write_nothing)
 {
     settings_key::write(u"sharedPorts", ports({1}));
