@@ -61,6 +61,13 @@ constexpr control_text control_texts[] = {
     {IDC_APPLY, string_id::apply},
 };
 
+constexpr control_text control_tips[] = {
+    {IDC_SHARE_SELECTED, string_id::share_following_ports_tip},
+    {IDC_AUTO_DISCOVERY, string_id::auto_discovery_tip},
+    {IDC_SECURITY, string_id::security_tip},
+    {IDC_LANGUAGE, string_id::language_label},
+};
+
 /// The first items with a comma between them; an ellipsis stands for those that a message has no room for.
 template <typename Item, typename ToText>
 std::u16string joined(const std::vector<Item>& items, ToText to_text)
@@ -147,7 +154,8 @@ void ConfigDialog::set_texts()
     // Seen by screen readers alone: the lists have no label of their own.
     set_window_text(control(IDC_PORTS_LABEL), text(string_id::ports_label));
     set_window_text(control(IDC_LANGUAGE_LABEL), text(string_id::language_label));
-    tips_.set(window(), control(IDC_LANGUAGE), text(string_id::language_label));
+    for (const auto& [id, string] : control_tips)
+        tips_.set(window(), control(id), text(string));
     select_all_by_keyboard(control(IDC_STATUS));
     set_window_text(control(IDC_STATUS_LABEL), fmtkit::format(u"{}:"_fmt, text(string_id::status)));
 }

@@ -121,7 +121,7 @@ int tooltips_of(const utility& program)
     return count;
 }
 
-constexpr int on_the_language_list = 1;
+constexpr int of_the_window = 4;
 
 TEST_F(corrections_test, each_control_with_a_string_has_a_tooltip_in_the_mode_and_none_outside_of_it)
 {
@@ -131,13 +131,13 @@ TEST_F(corrections_test, each_control_with_a_string_has_a_tooltip_in_the_mode_an
         ui_driver::send(program.window().handle(), WM_NEXTDLGCTL,
                         reinterpret_cast<WPARAM>(program.control(id::cancel).handle()), TRUE);
         press_key(VK_F2);
-        EXPECT_EQ(tooltips_of(program), on_the_language_list);
+        EXPECT_EQ(tooltips_of(program), of_the_window);
         EXPECT_EQ(program.close(), 0U) << "no box stands before the window";
     }
     switch_on();
     const utility program;
     constexpr int labels_and_buttons = 14;
-    EXPECT_TRUE(eventually([&] { return tooltips_of(program) == on_the_language_list + labels_and_buttons; }))
+    EXPECT_TRUE(eventually([&] { return tooltips_of(program) == of_the_window + labels_and_buttons; }))
         << tooltips_of(program);
     EXPECT_EQ(program.close(), 0U);
     EXPECT_THAT(exported(), testing::IsEmpty()) << "nothing was corrected";
