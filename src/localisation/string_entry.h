@@ -22,7 +22,8 @@ public:
     /// The entry whose stored form begins at `stored`. The caller has found all of it to be within the pack.
     explicit StringEntry(const std::byte* stored) noexcept
         : stored_(stored), id_(load_number<std::uint32_t>(stored)),
-          length_(is_list(stored) ? 0 : load_number<std::uint16_t>(stored + length_at))
+          length_(is_list(stored) ? std::uint16_t{0} : load_number<std::uint16_t>(stored + length_at)),
+          kind_(kind_of(load_number<std::uint32_t>(stored + kind_and_revision_at)))
     {}
 
     /// Where the stored form begins.
@@ -36,11 +37,18 @@ public:
         return load_number<std::uint32_t>(stored_ + kind_and_revision_at) >> revision_shift;
     }
 
+    /// Whether both were made for the same revision, and both are single texts or both are lists. As a rule this looks
+    /// at neither pack.
+    bool is_like(const StringEntry& other) const noexcept
+    {
+        return kind_ == other.kind_ && ((kind_ & long_revision) < long_revision || revision() == other.revision());
+    }
+
     /// The text, with a null unit behind it, so that data() may go to a function that wants one. Empty for a list, and
     /// then without that promise.
     std::u16string_view text() const noexcept { return view(stored_ + text_at, length_); }
 
-    bool is_list() const noexcept { return is_list(stored_); }
+    bool is_list() const noexcept { return (kind_ & list_flag) != 0; }
 
     /// The item of a list at `index`: when several were stored for the index, the last one. Empty where there is none,
     /// and for a single text. Followed by a null unit. Takes time in proportion to the number of items.
@@ -87,6 +95,16 @@ private:
     static constexpr std::size_t item_length_at = 4;
     static constexpr std::size_t item_text_at = 6;
 
+    static constexpr std::uint32_t list_flag = 0x8000;
+    static constexpr std::uint32_t long_revision = 0x7FFF;
+
+    static std::uint16_t kind_of(std::uint32_t kind_and_revision) noexcept
+    {
+        const std::uint32_t revision = kind_and_revision >> revision_shift;
+        return static_cast<std::uint16_t>((revision < long_revision ? revision : long_revision) |
+                                          ((kind_and_revision & kind_mask) != 0 ? list_flag : 0));
+    }
+
     /// The one place where stored bytes become a text.
     static std::u16string_view view(const std::byte* units, std::size_t length) noexcept
     {
@@ -113,7 +131,8 @@ private:
 
     const std::byte* stored_;
     std::uint32_t id_;
-    std::uint32_t length_;
+    std::uint16_t length_;
+    std::uint16_t kind_; ///< list_flag, and the revision or for all that are greater long_revision
 };
 
 } // namespace tidelink
