@@ -342,9 +342,11 @@ public:
     {
         constexpr std::size_t count = 48;
         entries = draw_entries(random, count);
-        ++drawn_;
-        pack_path = folder_ + "/" + std::to_string(drawn_) + ".lpack";
-        domain = "domain" + std::to_string(drawn_);
+        // gettext remembers every catalogue that it has opened in this process.
+        static int drawn = 0;
+        ++drawn;
+        pack_path = folder_ + "/" + std::to_string(drawn) + ".lpack";
+        domain = "domain" + std::to_string(drawn);
         write_pack();
         write_catalogue();
         ::bindtextdomain(domain.c_str(), folder_.c_str());
@@ -387,7 +389,6 @@ private:
     }
 
     std::string folder_;
-    int drawn_ = 0;
 };
 
 enum class pack_work { map_only, find_first };
