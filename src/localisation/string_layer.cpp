@@ -52,10 +52,9 @@ bool skip_extra(std::span<const std::byte>& rest) noexcept
     return true;
 }
 
-bool is_stored_in(std::span<const std::byte> pack, const StringEntry& entry) noexcept
+bool is_stored_between(const std::byte* begin, const std::byte* end, const StringEntry& entry) noexcept
 {
-    return std::greater_equal<>()(entry.stored(), pack.data()) &&
-           std::less<>()(entry.stored(), pack.data() + pack.size());
+    return std::greater_equal<>()(entry.stored(), begin) && std::less<>()(entry.stored(), end);
 }
 
 /// The first byte of an opening brace, or `end`. Other numbers and letters have that byte, too.
@@ -106,7 +105,8 @@ std::optional<StringLayer> StringLayer::read(std::span<const std::byte> pack, pa
         const bool has_brace = brace < stored;
         if (has_brace)
             brace = next_brace(stored, end);
-        const bool is_from_beneath = present != nullptr && !is_stored_in(rest, *present);
+        // The packs beneath may lie behind this one in the same file.
+        const bool is_from_beneath = present != nullptr && !is_stored_between(rest.data(), stored, *present);
         if (is_from_beneath && may_replace(entry, *present, form, has_brace))
             *present = entry;
     }

@@ -133,6 +133,22 @@ TEST(string_layer_test, agrees_with_plain_maps)
     }
 }
 
+// As the modules of a language pack do in whichever order.
+TEST(string_layer_test, lies_over_a_pack_before_or_behind_it_in_one_file)
+{
+    const pack_bytes upper = pack_builder().text(1, 0, u"upper").text(1, 0, u"later").bare();
+    const pack_bytes lower = pack_builder().text(1, 0, u"lower").bare();
+    for (const auto& [first, second] : {std::pair{upper, lower}, {lower, upper}}) {
+        pack_bytes file = first;
+        file.insert(file.end(), second.begin(), second.end());
+        const std::span<const std::byte> all = file;
+        const bool upper_first = first == upper;
+        const auto beneath = StringLayer::read(all.subspan(upper_first ? first.size() : 0), pack_form::bare, nullptr);
+        const auto layer = StringLayer::read(all.subspan(upper_first ? 0 : first.size()), pack_form::bare, &*beneath);
+        EXPECT_EQ(text_of(*layer, 1), u"upper");
+    }
+}
+
 pack_bytes sample()
 {
     return pack_builder()
