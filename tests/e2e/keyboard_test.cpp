@@ -48,7 +48,7 @@ TEST_F(keyboard_test, the_typical_request_needs_no_mouse)
 
     ASSERT_TRUE(program.move_focus_to(id::port_list, VK_TAB));
     const ui_driver::list_view list = program.list();
-    for (const auto& [row, key] : {std::pair(0, VK_HOME), std::pair(2, VK_DOWN), std::pair(3, VK_END)}) {
+    for (const auto& [row, key] : {std::pair(3, VK_END), std::pair(0, VK_HOME), std::pair(2, VK_DOWN)}) {
         press_key(static_cast<WORD>(key));
         if (key == VK_DOWN) {
             EXPECT_TRUE(eventually([&] { return list.selected() == 1; }));
@@ -94,8 +94,6 @@ TEST_F(keyboard_test, typing_finds_a_port)
     settings_key::write(u"sharedPorts", ports({3}));
     const active_utility program;
     ASSERT_TRUE(program.move_focus_to(id::port_list, VK_TAB));
-    press_key(VK_HOME);
-    ASSERT_TRUE(eventually([&] { return program.list().selected() == 0; }));
     press_key('U');
     EXPECT_TRUE(eventually([&] { return program.list().selected() == 1; })) << "the first name with a U";
 }
