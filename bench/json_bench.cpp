@@ -15,8 +15,8 @@
 #include <string_view>
 #include <vector>
 
-// A manifest from its UTF-8 text into the record with UTF-16 texts. Everyone converts texts with to_utf16(); the
-// documents are in memory, so simdjson copies them first for the padding that it needs.
+// A manifest from its UTF-8 text into the record with UTF-16 texts. Everyone widens texts of ASCII and converts the
+// others with to_utf16(); the documents are in memory, so simdjson copies them first for the padding that it needs.
 
 namespace {
 
@@ -103,6 +103,15 @@ std::string manifest_text(random_source& random, member_order order, std::size_t
 
 constexpr day_number last_day{155'038};
 
+/// As ours does it: what is ASCII is only widened.
+std::u16string utf16_of(std::string_view text)
+{
+    unsigned char bits = 0;
+    for (const char byte : text)
+        bits |= static_cast<unsigned char>(byte);
+    return bits < 0x80 ? std::u16string(text.begin(), text.end()) : girder::to_utf16(text);
+}
+
 Manifest by_on_demand(const std::string& text)
 {
     namespace od = simdjson::ondemand;
@@ -110,7 +119,7 @@ Manifest by_on_demand(const std::string& text)
     const simdjson::padded_string padded(text);
     od::document parsed = parser.iterate(padded);
     od::object root = parsed.get_object();
-    const auto text_of = [](auto&& value) { return girder::to_utf16(std::string_view(value.get_string())); };
+    const auto text_of = [](auto&& value) { return utf16_of(std::string_view(value.get_string())); };
     Manifest manifest;
     manifest.version = static_cast<std::uint32_t>(std::uint64_t(root["Version"]));
     od::object promo = root["Promo"].get_object();
@@ -163,7 +172,7 @@ struct dom_access {
     using node = simdjson::dom::element;
     static node member(node from, const char* name) { return from[name]; }
     static simdjson::dom::array elements(node from) { return from.get_array(); }
-    static std::u16string text(node from) { return girder::to_utf16(std::string_view(from.get_string())); }
+    static std::u16string text(node from) { return utf16_of(std::string_view(from.get_string())); }
     static std::uint32_t number(node from) { return static_cast<std::uint32_t>(std::uint64_t(from)); }
 };
 
@@ -180,7 +189,7 @@ struct rapidjson_access {
     static auto elements(const node& from) { return from.GetArray(); }
     static std::u16string text(const node& from)
     {
-        return girder::to_utf16(std::string_view(from.GetString(), from.GetStringLength()));
+        return utf16_of(std::string_view(from.GetString(), from.GetStringLength()));
     }
     static std::uint32_t number(const node& from) { return from.GetUint(); }
 };
@@ -196,7 +205,7 @@ struct nlohmann_access {
     using node = nlohmann::json;
     static const node& member(const node& from, const char* name) { return from[name]; }
     static const node& elements(const node& from) { return from; }
-    static std::u16string text(const node& from) { return girder::to_utf16(from.get_ref<const std::string&>()); }
+    static std::u16string text(const node& from) { return utf16_of(from.get_ref<const std::string&>()); }
     static std::uint32_t number(const node& from) { return from.get<std::uint32_t>(); }
 };
 

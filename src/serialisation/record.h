@@ -131,9 +131,15 @@ private:
         if (expected_ < field_count && table_.names[expected_] == name.text)
             return name.suffix() == 0 ? expected_ : field_count;
         for (std::size_t index = 0; index < field_count; ++index)
-            if (table_.names[index] == name.text)
+            if (begin_alike(table_.names[index], name.text) && table_.names[index] == name.text)
                 return name.suffix() == 0 ? index : field_count;
         return field_count;
+    }
+
+    /// Most other names differ in their first characters, which costs no call.
+    static bool begin_alike(std::string_view one, std::string_view other) noexcept
+    {
+        return one.size() == other.size() && !one.empty() && one.front() == other.front();
     }
 
     void read_field(std::size_t wanted, const value_reader& value)

@@ -35,9 +35,14 @@ constexpr bool is_space(char unit)
     return unit != ',' && is_space_or_comma(unit);
 }
 
+constexpr bool is_digit(char unit)
+{
+    return unit >= '0' && unit <= '9';
+}
+
 constexpr bool begins_number(char unit)
 {
-    return (unit >= '0' && unit <= '9') || unit == '-' || unit == '.';
+    return is_digit(unit) || unit == '-' || unit == '.';
 }
 
 constexpr bool is_in_number(char unit)
@@ -155,8 +160,10 @@ const char* reader::after_word(const char* at, std::string_view word) const
 
 std::string_view reader::number_at(const char* at) const
 {
-    const std::string_view number(at, std::find_if_not(at, end_, is_in_number));
-    if (!begins_number(*at) || !is_number(number))
+    const char* const after_digits = std::find_if_not(at, end_, is_digit);
+    const std::string_view number(at, std::find_if_not(after_digits, end_, is_in_number));
+    const bool is_whole = after_digits != at && number.end() == after_digits;
+    if (!is_whole && (!begins_number(*at) || !is_number(number)))
         refuse(at);
     return number;
 }

@@ -25,9 +25,9 @@ inline plain_stretch scan_plain(const char* at, const char* end) noexcept
         const auto stops = static_cast<unsigned>(_mm_movemask_epi8(found));
         const auto high = static_cast<unsigned>(_mm_movemask_epi8(bytes));
         if (stops != 0) {
-            const int length = std::countr_zero(stops);
-            high_bits |= high & ((1U << length) - 1);
-            return {.end = at + length, .ascii = high_bits == 0};
+            const unsigned before_stop = (stops & (0 - stops)) - 1;
+            high_bits |= high & before_stop;
+            return {.end = at + std::countr_zero(stops), .ascii = high_bits == 0};
         }
         high_bits |= high;
         at += block;
