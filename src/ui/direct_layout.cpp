@@ -277,13 +277,16 @@ private:
         unique_com<IDWriteFontCollection> fonts;
         std::array<wchar_t, LF_FACESIZE> name{};
         UINT32 i = 0;
+        UINT32 misses = 0;
         for (const UINT32 position : read().without_glyph) {
             if (!fonts)
                 throw_if_failed(means_.direct_write().GetSystemFontCollection(fonts.put(), FALSE),
                                 "GetSystemFontCollection");
             const UINT32 families = fonts.get()->GetFontFamilyCount();
-            // The family of the character before is the first to be asked.
-            for (UINT32 left = families; left > 0; --left, i = (i + 1) % families) {
+            // The family of the character before is the first to be asked. What no family has is not worth many rounds.
+            const UINT32 most_misses = 8 * families;
+            for (UINT32 asked = 0; asked < families && misses < most_misses;
+                 ++asked, ++misses, i = (i + 1) % families) {
                 unique_com<IDWriteFontFamily> family;
                 if (SUCCEEDED(fonts.get()->GetFontFamily(i, family.put())) &&
                     has_glyph(*family.get(), text[position], name)) {
