@@ -178,7 +178,6 @@ void ConfigDialog::fill_ports()
 {
     for (const port_row& row : model_.rows_of(EnumerateSerialPorts()))
         check_list::append(control(IDC_PORTS), row.text, row.number, row.checked);
-    check_list::focus_first(control(IDC_PORTS));
 }
 
 box ConfigDialog::layout(const control_measure& measure) const
@@ -226,6 +225,8 @@ bool ConfigDialog::on_command(WPARAM command, LPARAM)
 
 bool ConfigDialog::on_notify(const NMHDR& notification, LRESULT&)
 {
+    if (notification.idFrom == IDC_PORTS && notification.code == static_cast<UINT>(NM_SETFOCUS))
+        check_list::begin_at_first(control(IDC_PORTS));
     if (notification.idFrom != IDC_PORTS || notification.code != static_cast<UINT>(LVN_ITEMCHANGED))
         return false;
     const auto& change = reinterpret_cast<const NMLISTVIEW&>(notification);

@@ -84,11 +84,13 @@ void append(HWND list, std::u16string_view text, std::uint32_t parameter, bool c
     ::SendMessageW(list, LVM_SETITEMSTATE, static_cast<WPARAM>(item.iItem), reinterpret_cast<LPARAM>(&mark));
 }
 
-void focus_first(HWND list) noexcept
+void begin_at_first(HWND list) noexcept
 {
+    if (::SendMessageW(list, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_FOCUSED) >= 0)
+        return;
     LVITEMW item{};
-    item.stateMask = LVIS_FOCUSED;
-    item.state = LVIS_FOCUSED;
+    item.stateMask = LVIS_FOCUSED | LVIS_SELECTED;
+    item.state = item.stateMask;
     ::SendMessageW(list, LVM_SETITEMSTATE, 0, reinterpret_cast<LPARAM>(&item));
 }
 

@@ -38,8 +38,8 @@ inline constexpr UINT image_mask = LVIS_STATEIMAGEMASK;
 void set_up(HWND list);
 /// Appends an item that carries `parameter`.
 void append(HWND list, std::u16string_view text, std::uint32_t parameter, bool checked);
-/// The keyboard begins at the first item, and the list shows that when it has the focus.
-void focus_first(HWND list) noexcept;
+/// Selects the first item for the keyboard to begin at, unless it has been at one before.
+void begin_at_first(HWND list) noexcept;
 int count(HWND list) noexcept;
 /// 0 when the item has no check mark.
 unsigned state_image(HWND list, int item) noexcept;

@@ -94,6 +94,8 @@ TEST_F(keyboard_test, typing_finds_a_port)
     settings_key::write(u"sharedPorts", ports({3}));
     const active_utility program;
     ASSERT_TRUE(program.move_focus_to(id::port_list, VK_TAB));
+    ASSERT_TRUE(eventually([&] { return program.list().selected() == 0; })) << "there the keyboard begins";
+    EXPECT_FALSE(program.apply_enabled());
     press_key('U');
     EXPECT_TRUE(eventually([&] { return program.list().selected() == 1; })) << "the first name with a U";
 }
