@@ -134,7 +134,8 @@ void verify_signature(const std::u16string& path, const girder::unique_file& fil
     const CRYPT_PROVIDER_SGNR* const signer = found.signer();
     if (!signer || !signer->pChainContext || signer->csCertChain == 0)
         throw verification_error("The installer has no signer.");
-    // WinVerifyTrust has looked at the chain already; asked once more, a lenient provider cannot let it pass.
+    // WinVerifyTrust has looked at the chain already; asked once more, a lenient provider cannot let it pass. Wine's
+    // takes a signature by an unknown authority for valid.
     if (signer->pChainContext->TrustStatus.dwErrorStatus != CERT_TRUST_NO_ERROR)
         throw verification_error("The installer's signer is not trusted.");
     if (publisher.empty() || name_in(signer->pasCertChain[0].pCert) != publisher)

@@ -1,46 +1,35 @@
-#include "support/cases.h"
 #include "update/announcements.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
+using namespace std::string_literals;
 using namespace tidelink;
 
 constexpr day_number last_day{155'038};
 
-struct promo_case {
-    const char* name;
-    Promo promo;
-    std::optional<std::u16string> shown;
-};
-class promo_test : public testing::TestWithParam<promo_case> {};
-
-TEST_P(promo_test, is_one_line_that_leads_to_https)
+TEST(announcements_test, a_promo_is_shown_until_its_last_day_when_it_leads_to_https)
 {
+    const std::u16string page = u"https://vendor.example/";
     Manifest manifest;
-    manifest.promo = GetParam().promo;
-    const Promo* const promo = current_promo(manifest, last_day);
-    ASSERT_EQ(promo != nullptr, GetParam().shown.has_value());
-    if (promo)
-        EXPECT_EQ(single_line(promo->title), GetParam().shown);
+    EXPECT_FALSE(current_promo(manifest, last_day));
+    manifest.promo = {u"[[[b New]]]", page, last_day};
+    EXPECT_EQ(current_promo(manifest, last_day), &*manifest.promo);
+    EXPECT_FALSE(current_promo(manifest, {last_day.days + 1}));
+    for (const std::u16string& url : {u"http://vendor.example/"s, u"/new"s, page + std::u16string(2048, u'x')}) {
+        manifest.promo->url = url;
+        EXPECT_FALSE(current_promo(manifest, last_day));
+    }
 }
 
-const std::u16string page = u"https://vendor.example/";
-
-INSTANTIATE_TEST_SUITE_P(
-    promos, promo_test,
-    testing::ValuesIn(std::vector<promo_case>{
-        {"on_its_last_day", {u"[[[b New]]]", page, last_day}, u"[[[b New]]]"},
-        {"the_day_after", {u"New", page, {last_day.days - 1}}, std::nullopt},
-        {"over_http", {u"New", u"http://vendor.example/", last_day}, std::nullopt},
-        {"on_the_update_host", {u"New", u"/new", last_day}, std::nullopt},
-        {"of_too_long_an_address", {u"New", page + std::u16string(2048, u'x'), last_day}, std::nullopt},
-        {"of_several_lines", {u"a\nb\tc\x85\u2028d", page, last_day}, u"a b c  d"},
-        {"of_just_the_length", {std::u16string(80, u'x'), page, last_day}, std::u16string(80, u'x')},
-        {"too_long", {std::u16string(79, u'x') + u"\U0001F600", page, last_day}, std::u16string(79, u'x') + u"…"},
-    }),
-    support::name_of_row);
+TEST(announcements_test, texts_are_one_short_line)
+{
+    const std::u16string longest(80, u'x');
+    EXPECT_EQ(single_line(u"a\nb\tc\x85\u2028d"), u"a b c  d");
+    EXPECT_EQ(single_line(longest), longest);
+    EXPECT_EQ(single_line(longest.substr(1) + u"\U0001F600"), longest.substr(1) + u"…");
+}
 
 TEST(announcements_test, newer_packs_of_installed_languages_are_named_once)
 {

@@ -190,10 +190,10 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST_F(http_session_test, a_document_may_be_as_large_as_the_limit)
 {
-    const scripted_server most(answer("200 OK", std::string(1000, 'x')), close);
-    EXPECT_EQ(fetch(most.base(), u"/").body, std::string(1000, 'x'));
-    const scripted_server more(answer("200 OK", std::string(1001, 'x')), close);
-    EXPECT_EQ(fetch(more.base(), u"/").error, std::uint32_t{ERROR_FILE_TOO_LARGE});
+    for (const std::size_t size : {1000U, 1001U}) {
+        const scripted_server server(answer("200 OK", std::string(size, 'x')), close);
+        EXPECT_EQ(fetch(server.base(), u"/").error, size > 1000 ? std::uint32_t{ERROR_FILE_TOO_LARGE} : 0);
+    }
 }
 
 TEST_F(http_session_test, what_is_no_web_address_is_refused_at_once)
@@ -202,16 +202,6 @@ TEST_F(http_session_test, what_is_no_web_address_is_refused_at_once)
          {u"", u"/relative", u"foo:", u"ftp://127.0.0.1/", u"file:///c:/boot.ini", u"http://"})
         EXPECT_NE(fetch(u"", url).error, 0U) << std::string(url.begin(), url.end());
     EXPECT_NE(fetch(u"https://127.0.0.1/" + std::u16string(5000, u'x'), u"").error, 0U);
-}
-
-TEST_F(http_session_test, nobody_listens)
-{
-    std::u16string base;
-    {
-        const scripted_server gone("", close);
-        base = gone.base();
-    }
-    EXPECT_EQ(fetch(base, u"/").error, std::uint32_t{ERROR_INTERNET_CANNOT_CONNECT});
 }
 
 TEST_F(http_session_test, a_path_that_cannot_be_created_fails_with_its_own_error)
