@@ -12,26 +12,15 @@
 #include <shellapi.h>
 
 #include <algorithm>
-#include <cstdint>
+#include <bit>
 #include <memory>
 #include <utility>
 
 namespace girder::ui {
 namespace {
 
-/// wParam: the width; the result is the extent as packed(). It names no address: other programs can send it too.
+/// wParam: the width; the result is the extent itself. No address comes with it: other programs can send it too.
 constexpr UINT measure_message = WM_USER + 1;
-
-LRESULT packed(const extent& size) noexcept
-{
-    return static_cast<LRESULT>(static_cast<std::uint64_t>(static_cast<std::uint32_t>(size.height)) << 32U |
-                                static_cast<std::uint32_t>(size.width));
-}
-
-extent unpacked(LRESULT size) noexcept
-{
-    return {.width = static_cast<int>(static_cast<std::uint32_t>(size)), .height = static_cast<int>(size >> 32U)};
-}
 
 RECT as_rectangle(const area& place) noexcept
 {
@@ -61,7 +50,6 @@ public:
     }
 
     LRESULT handle(UINT message, WPARAM wparam, LPARAM lparam);
-
     HWND window() const noexcept override { return window_; }
     const rich_text& content() const noexcept override { return text_; }
     std::vector<link_area> visible_links() override;
@@ -367,7 +355,7 @@ LRESULT rich_view::handle(UINT message, WPARAM wparam, LPARAM lparam)
     case WM_GETFONT:
         return reinterpret_cast<LRESULT>(font_);
     case measure_message:
-        return packed(measure(static_cast<int>(wparam)));
+        return std::bit_cast<LRESULT>(measure(static_cast<int>(wparam)));
     case WM_SIZE:
         fit();
         return 0;
@@ -506,7 +494,7 @@ void replace_by_rich_view(HWND dialog, int id)
 
 extent rich_view_extent(HWND view, int width) noexcept
 {
-    return unpacked(::SendMessageW(view, measure_message, static_cast<WPARAM>(width), 0));
+    return std::bit_cast<extent>(::SendMessageW(view, measure_message, static_cast<WPARAM>(width), 0));
 }
 
 } // namespace girder::ui
