@@ -201,13 +201,5 @@ INSTANTIATE_TEST_SUITE_P(
                     damage_case{"item_null", 78, 1, false}),
     support::name_of_row);
 
-TEST(string_layer_test, a_signature_is_read_where_one_is_expected_only)
-{
-    const pack_bytes bare = pack_builder().text(1, 0, u"one").bare();
-    EXPECT_TRUE(StringLayer::read(bare, pack_form::bare, nullptr));
-    EXPECT_FALSE(StringLayer::read(bare, pack_form::with_signature, nullptr));
-    EXPECT_FALSE(StringLayer::read(sample(), pack_form::bare, nullptr));
-}
-
 } // namespace
 } // namespace tidelink
