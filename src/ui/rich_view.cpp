@@ -1,15 +1,13 @@
 #include "ui/rich_view.h"
 
 #include "base/debug_log.h"
-#include "base/system_library.h"
 #include "base/wide.h"
 #include "base/win32_error.h"
 #include "ui/rich_accessible.h"
 #include "ui/rich_layout.h"
 #include "ui/rich_text.h"
 #include "ui/scroll_bar.h"
-
-#include <shellapi.h>
+#include "ui/shell_link.h"
 
 #include <algorithm>
 #include <bit>
@@ -25,17 +23,6 @@ constexpr UINT measure_message = WM_USER + 1;
 RECT as_rectangle(const area& place) noexcept
 {
     return {.left = place.x, .top = place.y, .right = place.x + place.width, .bottom = place.y + place.height};
-}
-
-/// Asks the shell to open an address, as a double click would.
-void open_by_shell(HWND owner, const std::u16string& address)
-{
-    constexpr INT_PTR greatest_error = 32;
-    const system_library shell(u"shell32.dll");
-    const auto execute = shell.function<decltype(::ShellExecuteW)>("ShellExecuteW");
-    const HINSTANCE result = execute(owner, L"open", as_wide(address), nullptr, nullptr, SW_SHOWNORMAL);
-    if (const auto code = reinterpret_cast<INT_PTR>(result); code <= greatest_error)
-        throw_win32(static_cast<DWORD>(code), "ShellExecuteW");
 }
 
 class rich_view final : public accessible_view {
@@ -58,6 +45,7 @@ public:
     void open_link(int link) override;
 
 private:
+    LRESULT handle_input(UINT message, WPARAM wparam, LPARAM lparam);
     LRESULT set_text(const char16_t* markup);
     void set_font(HFONT font, bool redraw);
     void renew_layout();
@@ -375,6 +363,17 @@ LRESULT rich_view::handle(UINT message, WPARAM wparam, LPARAM lparam)
     case WM_PRINTCLIENT:
         paint(reinterpret_cast<HDC>(wparam));
         return 0;
+    case WM_GETOBJECT:
+        return give_object(wparam, lparam);
+    default:
+        return handle_input(message, wparam, lparam);
+    }
+}
+
+/// Mouse, keyboard and scroll bar; what is none of them goes to the system.
+LRESULT rich_view::handle_input(UINT message, WPARAM wparam, LPARAM lparam)
+{
+    switch (message) {
     case WM_MOUSEMOVE:
         on_mouse_move(lparam);
         return 0;
@@ -414,8 +413,6 @@ LRESULT rich_view::handle(UINT message, WPARAM wparam, LPARAM lparam)
             break;
         scrolled(bar_.on_wheel(window_, wparam, line_height_));
         return 0;
-    case WM_GETOBJECT:
-        return give_object(wparam, lparam);
     default:
         break;
     }
