@@ -11,19 +11,35 @@ namespace e2e {
 
 using ui_driver::timed_out;
 
+namespace {
+
+/// Wine on a busy machine fails now and then with ERROR_INTERNAL_ERROR, before the new process has run.
+PROCESS_INFORMATION start(const std::u16string& command_line)
+{
+    constexpr int attempts = 3;
+    std::u16string buffer = command_line;
+    STARTUPINFOW startup{};
+    startup.cb = sizeof startup;
+    PROCESS_INFORMATION started{};
+    for (int attempt = 1; !::CreateProcessW(nullptr, girder::as_wide(buffer.data()), nullptr, nullptr, FALSE, 0,
+                                            nullptr, nullptr, &startup, &started);
+         ++attempt) {
+        const DWORD code = ::GetLastError();
+        if (code != ERROR_INTERNAL_ERROR || attempt == attempts)
+            throw std::runtime_error("CreateProcessW: " + std::to_string(code));
+    }
+    return started;
+}
+
+} // namespace
+
 std::u16string program_under_test;
 std::u16string server_under_test;
 std::u16string planted_library;
 
 utility::utility(const std::u16string& program)
 {
-    std::u16string command_line = u'"' + program + u"\" --handed to a restart";
-    STARTUPINFOW startup{};
-    startup.cb = sizeof startup;
-    PROCESS_INFORMATION started{};
-    if (!::CreateProcessW(nullptr, girder::as_wide(command_line.data()), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
-                          &startup, &started))
-        throw std::runtime_error("CreateProcessW: " + std::to_string(::GetLastError()));
+    const PROCESS_INFORMATION started = start(u'"' + program + u"\" --handed to a restart");
     process_.reset(started.hProcess);
     id_ = started.dwProcessId;
     ::CloseHandle(started.hThread);
