@@ -3,7 +3,7 @@
 #include "device_database/device_database.h"
 #include "harness.h"
 #include "settings_key.h"
-#include "ui_driver/polling.h"
+#include "ui_driver/round_trips.h"
 #include "utility.h"
 
 #include <windows.h>
@@ -12,9 +12,7 @@
 #include <chrono>
 #include <filesystem>
 #include <functional>
-#include <mutex>
 #include <string>
-#include <thread>
 #include <vector>
 
 // How long the program's user-interface thread lets others wait in each flow: the longest round trip of a message that
@@ -24,65 +22,17 @@ namespace {
 
 using namespace e2e;
 using namespace std::chrono_literals;
-using clock = std::chrono::steady_clock;
 using milliseconds = std::chrono::duration<double, std::milli>;
 
 constexpr double goal_ms = 100;
 constexpr int runs = 5;
-constexpr DWORD patience_ms = 20'000;
 /// For that long an operation that is started is waited for without a box, by design.
 constexpr auto silent_wait = 500ms;
-
-/// Sends WM_NULL to a window all the time, from a thread of its own.
-class probe {
-public:
-    explicit probe(HWND window) : thread_([this, window](const std::stop_token& stop) { watch(window, stop); }) {}
-
-    /// From now on; what is under way counts from here. \param pause  what does not count at the beginning
-    void begin(clock::duration pause = {})
-    {
-        const std::lock_guard guard(lock_);
-        counted_from_ = clock::now() + pause;
-        longest_ = {};
-    }
-    milliseconds longest()
-    {
-        // What is under way belongs to the flow, too.
-        const auto asked = clock::now();
-        const auto later_trip_has_ended = [&] {
-            const std::lock_guard guard(lock_);
-            return last_begin_ > asked;
-        };
-        ui_driver::eventually(later_trip_has_ended);
-        const std::lock_guard guard(lock_);
-        return longest_;
-    }
-
-private:
-    void watch(HWND window, const std::stop_token& stop)
-    {
-        while (!stop.stop_requested()) {
-            const auto begin = clock::now();
-            DWORD_PTR result = 0;
-            ::SendMessageTimeoutW(window, WM_NULL, 0, 0, SMTO_NORMAL, patience_ms, &result);
-            const std::lock_guard guard(lock_);
-            last_begin_ = begin;
-            longest_ = std::max(longest_, milliseconds(clock::now() - std::max(begin, counted_from_)));
-            ::Sleep(1);
-        }
-    }
-
-    std::mutex lock_;
-    clock::time_point counted_from_ = clock::now();
-    clock::time_point last_begin_;
-    milliseconds longest_{};
-    std::jthread thread_;
-};
 
 struct flow {
     const char* name;
     std::function<void(const utility& program)> run;
-    clock::duration pause = {};
+    std::chrono::milliseconds aside{};
 };
 
 void wait_until_enabled(const utility& program)
@@ -167,11 +117,11 @@ int main()
     for (int run = 0; run < runs; ++run) {
         settings_key::remove();
         const utility program(service.program());
-        probe watched(program.window().handle());
+        ui_driver::round_trips trips(program.window().handle());
         for (std::size_t i = 0; i < all.size(); ++i) {
-            watched.begin(all[i].pause);
+            trips.begin(all[i].aside);
             all[i].run(program);
-            longest[i].push_back(watched.longest().count());
+            longest[i].push_back(milliseconds(trips.longest()).count());
         }
     }
     bench::report report("Longest round trip of a message to the window");

@@ -10,9 +10,13 @@
 
 #include <gmock/gmock.h>
 
+#include <chrono>
 #include <string>
 
 namespace e2e {
+
+/// A window that does not answer for so long hangs, whatever else the machine does.
+inline constexpr std::chrono::seconds hang{2};
 
 /// A machine with the ports COM1, COM3, COM7 and COM10, and nothing stored.
 class machine_test : public testing::Test {

@@ -1,5 +1,6 @@
 #include "fixture.h"
 #include "ui_driver/polling.h"
+#include "ui_driver/round_trips.h"
 
 #include <windows.h>
 
@@ -86,6 +87,23 @@ TEST_F(process_test, handles_do_not_grow_over_200_saves)
         // Two signals that nobody has taken would be one.
         EXPECT_TRUE(heard(server, ++saves));
     });
+    EXPECT_EQ(program.close(), 0U);
+}
+
+TEST_F(process_test, the_window_answers_whatever_is_done)
+{
+    const utility program;
+    const ui_driver::round_trips trips(program.window().handle());
+    program.control(id::share_selected).click();
+    program.check_ports({3});
+    program.control(id::apply).click();
+    program.control(id::about).post_click();
+    utility::answer(program.message(u"About Tidelink Port Server"), id::cancel);
+    program.control(id::security).post_click();
+    utility::answer(program.access_editor(), id::cancel);
+    program.choose_language(0);
+    utility::answer(program.message(question_title), id::no);
+    EXPECT_LT(trips.longest(), hang);
     EXPECT_EQ(program.close(), 0U);
 }
 

@@ -6,6 +6,7 @@
 #include "support/reload_listener.h"
 #include "ui_driver/keyboard.h"
 #include "ui_driver/polling.h"
+#include "ui_driver/round_trips.h"
 
 #include <array>
 #include <chrono>
@@ -170,6 +171,7 @@ TEST_F(service_control_test, a_slow_start_and_a_slow_stop_show_the_wait_dialog_u
     const utility program(service_.program());
     const HWND window = program.window().handle();
     EXPECT_EQ(state_of(program), stopped);
+    const ui_driver::round_trips trips(window);
     {
         wait_dialog_watch watch(program.process_id());
         program.control(id::start).post_click();
@@ -195,6 +197,7 @@ TEST_F(service_control_test, a_slow_start_and_a_slow_stop_show_the_wait_dialog_u
     EXPECT_EQ(state_of(program), stopped);
     EXPECT_EQ(demo_service::state(), DWORD{SERVICE_STOPPED});
     EXPECT_TRUE(ui_driver::find_dialogs(error_title).empty());
+    EXPECT_LT(trips.longest(), hang);
 }
 
 TEST_F(service_control_test, a_quick_stop_shows_nothing)
