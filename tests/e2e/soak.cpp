@@ -2,6 +2,7 @@
 // what it holds. Ends with 0 when it holds as much at the end as after the first minute, give or take 2 %.
 
 #include "base/handles.h"
+#include "base/utf.h"
 #include "base/win32_error.h"
 #include "demo_service.h"
 #include "device_database/device_database.h"
@@ -151,6 +152,21 @@ constexpr flow flows[] = {
      }},
 };
 
+/// Says what was done, and what the program shows, when it does not go on.
+void run(const flow& what, const utility& program, int round)
+{
+    try {
+        what.run(program, round);
+    } catch (const ui_driver::timed_out&) {
+        std::cout << what.name << ", round " << round << '\n';
+        for (const char16_t* const title : {error_title, wait_title, question_title})
+            for (const ui_driver::dialog& box : ui_driver::find_dialogs(title, program.process_id()))
+                std::cout << girder::to_utf8(title) << ": "
+                          << (box.has(id::message_text) ? utility::text_of(box) : std::string()) << '\n';
+        throw;
+    }
+}
+
 bool within_two_percent(const figure& last, const figure& first)
 {
     const auto difference = static_cast<long long>(last.value) - static_cast<long long>(first.value);
@@ -185,7 +201,7 @@ bool soak(std::chrono::minutes duration, std::string_view only)
         for (; clock::now() < until || rounds < first_rounds; ++rounds)
             for (const flow& each : flows)
                 if (only.empty() || only == each.name)
-                    each.run(program, rounds);
+                    run(each, program, rounds);
         const figures now = look_at(program);
         print(now, seconds(), rounds);
         return now;
