@@ -25,14 +25,14 @@ constexpr std::uint32_t braced_text_kinds = text_kinds | guid_kind;
 constexpr std::uint32_t array_kinds = present | array_or_blob_kind;
 constexpr std::uint32_t object_kinds = present | object_kind;
 
-constexpr bool is_space_or_comma(char unit)
-{
-    return unit == ' ' || unit == ',' || unit == '\t' || unit == '\n' || unit == '\r';
-}
-
 constexpr bool is_space(char unit)
 {
-    return unit != ',' && is_space_or_comma(unit);
+    return unit <= ' ' && (unit == ' ' || unit == '\t' || unit == '\n' || unit == '\r');
+}
+
+constexpr bool is_space_or_comma(char unit)
+{
+    return unit == ',' || is_space(unit);
 }
 
 constexpr bool is_digit(char unit)
@@ -47,7 +47,7 @@ constexpr bool begins_number(char unit)
 
 constexpr bool is_in_number(char unit)
 {
-    return begins_number(unit) || unit == '+' || ((unit | 0x20) >= 'a' && (unit | 0x20) <= 'z');
+    return ((unit | 0x20) >= 'a' && (unit | 0x20) <= 'z') || begins_number(unit) || unit == '+';
 }
 
 } // namespace
@@ -131,24 +131,24 @@ std::uint32_t reader::kinds_of_text(const char* at) const noexcept
     return rest.starts_with("0x") || rest.starts_with("0X") ? number_kinds : text_kinds;
 }
 
-reader::text_token reader::scan_text(const char* at) const
+inline reader::text_token reader::scan_text(const char* at) const
 {
-    text_token token;
-    const char* const first = at + 1;
-    for (const char* part = first;;) {
-        const plain_stretch stretch = scan_plain(part, end_);
-        token.ascii = token.ascii && stretch.ascii;
-        if (end_ - stretch.end < 1)
-            refuse(at);
-        if (*stretch.end == '"') {
-            token.raw = {first, stretch.end};
-            return token;
-        }
+    const plain_stretch all = scan_plain(at + 1, end_);
+    if (all.end == end_ || *all.end != '"')
+        return scan_escaped_text(at, all);
+    return {.raw = {at + 1, all.end}, .escaped = false, .ascii = all.ascii};
+}
+
+reader::text_token reader::scan_escaped_text(const char* at, plain_stretch stretch) const
+{
+    bool ascii = stretch.ascii;
+    while (stretch.end == end_ || *stretch.end != '"') {
         if (end_ - stretch.end < 2)
             refuse(at);
-        token.escaped = true;
-        part = stretch.end + 2;
+        stretch = scan_plain(stretch.end + 2, end_);
+        ascii = ascii && stretch.ascii;
     }
+    return {.raw = {at + 1, stretch.end}, .escaped = true, .ascii = ascii};
 }
 
 const char* reader::after_word(const char* at, std::string_view word) const
@@ -160,8 +160,13 @@ const char* reader::after_word(const char* at, std::string_view word) const
 
 std::string_view reader::number_at(const char* at) const
 {
-    const char* const after_digits = std::find_if_not(at, end_, is_digit);
-    const std::string_view number(at, std::find_if_not(after_digits, end_, is_in_number));
+    const char* after_digits = at;
+    while (after_digits != end_ && is_digit(*after_digits))
+        ++after_digits;
+    const char* after = after_digits;
+    while (after != end_ && is_in_number(*after))
+        ++after;
+    const std::string_view number(at, after);
     const bool is_whole = after_digits != at && number.end() == after_digits;
     if (!is_whole && (!begins_number(*at) || !is_number(number)))
         refuse(at);
@@ -186,13 +191,15 @@ const char* reader::after_scalar(const char* at) const
     }
 }
 
-reader::member reader::member_at(const char* at) const
+inline reader::member reader::member_at(const char* at) const
 {
     if (*at != '"')
         refuse(at);
     // The name is made where it is used: a copy would wait for its single bytes to be stored.
     member found{.name = scan_text(at), .value = nullptr};
-    at = std::find_if_not(found.name.after(), end_, is_space);
+    at = found.name.after();
+    while (at != end_ && is_space(*at))
+        ++at;
     if (at == end_ || *at != ':')
         refuse(at);
     found.value = next_token(at + 1);
@@ -207,10 +214,8 @@ void reader::check_depth(const char* at, unsigned depth) const
         refuse(at, "nested too deep");
 }
 
-const char* reader::after_value() const
+const char* reader::after_unread_value() const
 {
-    if (after_)
-        return after_;
     const char* at = at_;
     unsigned open = 0;
     std::uint64_t objects = 0; // one bit for each array or object that is open, the innermost lowest
@@ -297,7 +302,7 @@ void reader::visit_elements(const element_visitor& visit) const
 std::u16string reader::resolved(const text_token& token) const
 {
     if (!token.escaped)
-        return token.ascii ? std::u16string(token.raw.begin(), token.raw.end()) : to_utf16(token.raw);
+        return to_utf16(token.raw);
     resolved_text result = resolve_escapes(token.raw);
     if (result.malformed)
         refuse(result.malformed);
@@ -308,6 +313,8 @@ std::u16string reader::text_value() const
 {
     const text_token token = scan_text(at_);
     after_ = token.after();
+    if (token.ascii && !token.escaped)
+        return {token.raw.begin(), token.raw.end()};
     return resolved(token);
 }
 
@@ -318,7 +325,10 @@ bool reader::is_binary() const
 
 std::u16string reader::as_string() const
 {
-    require(string_kind, nsm::details::string_expected);
+    // What begins like this is a text; whether others are is a longer question.
+    const bool certainly_text = end_ - at_ > 1 && at_[0] == '"' && at_[1] != '0';
+    if (!certainly_text)
+        require(string_kind, nsm::details::string_expected);
     return text_value();
 }
 

@@ -2,6 +2,7 @@
 
 #include "serialisation/load_exception.h"
 #include "serialisation/visitor.h"
+#include "update/text_scan.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -92,12 +93,15 @@ private:
     const char* next_token(const char* at) const noexcept;
     bool closes(const char* at) const noexcept;
     text_token scan_text(const char* at) const;
+    /// \param stretch  the text's first, which does not end it
+    text_token scan_escaped_text(const char* at, plain_stretch stretch) const;
     std::uint32_t kinds_of_text(const char* at) const noexcept;
     std::string_view number_at(const char* at) const;
     const char* after_word(const char* at, std::string_view word) const;
     member member_at(const char* at) const;
     const char* after_scalar(const char* at) const;
-    const char* after_value() const;
+    const char* after_value() const { return after_ ? after_ : after_unread_value(); }
+    const char* after_unread_value() const;
     void check_depth(const char* at, unsigned depth) const;
 
     void read_at(const char* at) noexcept
