@@ -9,6 +9,7 @@
 #include "settings_key.h"
 #include "support/handle_count.h"
 #include "support/handle_marks.h"
+#include "ui_driver/polling.h"
 #include "utility.h"
 
 #include <windows.h>
@@ -113,6 +114,26 @@ void print(const figures& what, long long seconds, int rounds)
     std::cout << std::endl;
 }
 
+/// Now and then, on a busy machine, Wine gets a process not started, which the program tells in a box. \return whether
+/// it went well
+bool press(const utility& program, int button, int enabled_then)
+{
+    const ui_driver::dialog window = program.window();
+    window.item(button).post_click();
+    bool failed = false;
+    const auto ended = [&] {
+        for (const ui_driver::dialog& box : ui_driver::find_dialogs(error_title, program.process_id())) {
+            std::cout << utility::text_of(box) << '\n';
+            utility::answer(box, id::ok);
+            failed = true;
+        }
+        return failed || window.item(enabled_then).enabled();
+    };
+    if (!ui_driver::eventually(ended))
+        throw ui_driver::timed_out("the service");
+    return !failed;
+}
+
 struct flow {
     std::string_view name;
     void (*run)(const utility& program, int round);
@@ -147,8 +168,8 @@ constexpr flow flows[] = {
      }},
     {"service",
      [](const utility& program, int) {
-         program.control(id::start).click();
-         program.control(id::stop).click();
+         if (press(program, id::start, id::stop))
+             press(program, id::stop, id::start);
      }},
 };
 
