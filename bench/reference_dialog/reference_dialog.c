@@ -79,6 +79,21 @@ static void read_settings(void)
     RegCloseKey(key);
 }
 
+/* The service is not there, as for the program that is measured beside this one. */
+static void ask_for_service(HWND status)
+{
+    SC_HANDLE manager = OpenSCManagerW(NULL, SERVICES_ACTIVE_DATABASEW, SC_MANAGER_CONNECT);
+    SC_HANDLE service = manager ? OpenServiceW(manager, L"zelpssrv", SERVICE_QUERY_STATUS) : NULL;
+    HANDLE event = OpenEventW(SYNCHRONIZE, FALSE, L"Global\\tidelink_reference");
+    SetWindowTextW(status, service || event ? L"Running" : L"Not installed");
+    if (event)
+        CloseHandle(event);
+    if (service)
+        CloseServiceHandle(service);
+    if (manager)
+        CloseServiceHandle(manager);
+}
+
 static void fill_list(HWND list)
 {
     RECT area;
@@ -109,6 +124,7 @@ static INT_PTR CALLBACK dialog_procedure(HWND dialog, UINT message, WPARAM wpara
         CheckDlgButton(dialog, IDC_AUTO_DISCOVERY, BST_CHECKED);
         CheckDlgButton(dialog, IDC_SHARE_ALL, BST_CHECKED);
         EnableWindow(GetDlgItem(dialog, IDC_PORTS), FALSE);
+        ask_for_service(GetDlgItem(dialog, IDC_STATUS));
         return TRUE;
     case WM_COMMAND:
         if (LOWORD(wparam) == IDCANCEL)

@@ -138,8 +138,7 @@ bool ConfigDialog::on_initialise()
     service_.RefreshServiceStatus();
     enable_list_by_share_mode();
     lay_out(::GetDpiForWindow(window()));
-    if (!failures_.empty())
-        show_load_failures_later();
+    finish_later();
     if (update_)
         update_->start_later();
     // The status comes first in the tab order, but what an administrator is here for is the choice of ports.
@@ -154,8 +153,6 @@ void ConfigDialog::set_texts()
     // Seen by screen readers alone: the lists have no label of their own.
     set_window_text(control(IDC_PORTS_LABEL), text(string_id::ports_label));
     set_window_text(control(IDC_LANGUAGE_LABEL), text(string_id::language_label));
-    for (const auto& [id, string] : control_tips)
-        tips_.set(window(), control(id), text(string));
     select_all_by_keyboard(control(IDC_STATUS));
     set_window_text(control(IDC_STATUS_LABEL), fmtkit::format(u"{}:"_fmt, text(string_id::status)));
 }
@@ -191,19 +188,29 @@ void ConfigDialog::on_laid_out()
     icons_.show(window(), IDI_PROGRAM, dpi());
 }
 
-void ConfigDialog::show_load_failures_later() noexcept
+void ConfigDialog::finish_later() noexcept
 try {
-    thread_.post([this] { show_load_failures(); });
+    thread_.post([this] { finish(); });
 } catch (...) {
     // The settings that could be read are still worth showing.
     log_error(std::current_exception());
 }
 
-void ConfigDialog::show_load_failures() noexcept
+void ConfigDialog::finish() noexcept
 try {
     // The window may have been closed meanwhile.
     if (!window())
         return;
+    for (const auto& [id, string] : control_tips)
+        tips_.set(window(), control(id), text(string));
+    if (!failures_.empty())
+        show_load_failures();
+} catch (...) {
+    on_error(std::current_exception());
+}
+
+void ConfigDialog::show_load_failures()
+{
     const auto line_format = fmtkit::compile(text(string_id::load_failure_line));
     std::u16string message(text(string_id::load_failures));
     for (const LoadFailure& failure : failures_) {
@@ -214,8 +221,6 @@ try {
             message += failure.code != 0 ? system_error_text(failure.code) : failure.text;
     }
     show_operation_error(window(), message);
-} catch (...) {
-    on_error(std::current_exception());
 }
 
 bool ConfigDialog::on_command(WPARAM command, LPARAM)

@@ -59,8 +59,10 @@ private:
     void set_texts();
     void fill_languages();
     void fill_ports();
-    void show_load_failures_later() noexcept;
-    void show_load_failures() noexcept;
+    /// What the window can be seen without comes when it is seen.
+    void finish_later() noexcept;
+    void finish() noexcept;
+    void show_load_failures();
 
     void on_ok();
     void on_cancel();

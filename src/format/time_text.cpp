@@ -66,11 +66,11 @@ public:
     char16_t* expand(std::basic_string_view<Char> pattern);
 
 private:
-    // Each passes on what it does not know to the next.
+    // Each passes on what it does not know to the next; what is used most comes first.
     void convert(char16_t conversion);
-    void convert_date(char16_t conversion);
+    void convert_rarer(char16_t conversion);
     void convert_week(char16_t conversion);
-    void convert_other(char16_t conversion);
+    void convert_name(char16_t conversion);
 
     void put(char16_t unit) { *next_++ = unit; }
     void put_within_limit(std::u16string_view text);
@@ -186,50 +186,59 @@ void time_writer::system_text(char16_t conversion)
 void time_writer::convert(char16_t conversion)
 {
     switch (conversion) {
+    case u'F':
+        two_digits(local_.year / 100);
+        three_numbers(local_.year % 100, u'-', local_.month, local_.day);
+        break;
+    case u'T':
+        three_numbers(local_.hour, u':', local_.minute, local_.second);
+        break;
+    case u'z':
+        zone_offset();
+        break;
+    case u'Y':
+        year(local_.year);
+        break;
+    case u'm':
+        two_digits(local_.month);
+        break;
+    case u'd':
+        two_digits(local_.day);
+        break;
     case u'H':
         two_digits(local_.hour);
         break;
-    case u'I':
-        two_digits(twelve_hour(local_.hour));
-        break;
     case u'M':
-        two_digits(local_.minute);
-        break;
-    case u'R':
-        two_digits(local_.hour);
-        put(u':');
         two_digits(local_.minute);
         break;
     case u'S':
         two_digits(local_.second);
         break;
-    case u'T':
-        three_numbers(local_.hour, u':', local_.minute, local_.second);
-        break;
     default:
-        convert_date(conversion);
+        convert_rarer(conversion);
         break;
     }
 }
 
-void time_writer::convert_date(char16_t conversion)
+void time_writer::convert_rarer(char16_t conversion)
 {
     switch (conversion) {
+    case u'%':
+        put(u'%');
+        break;
     case u'C':
         two_digits(local_.year / 100);
         break;
     case u'D':
         three_numbers(local_.month, u'/', local_.day, local_.year % 100);
         break;
-    case u'F':
-        two_digits(local_.year / 100);
-        three_numbers(local_.year % 100, u'-', local_.month, local_.day);
+    case u'I':
+        two_digits(twelve_hour(local_.hour));
         break;
-    case u'Y':
-        year(local_.year);
-        break;
-    case u'd':
-        two_digits(local_.day);
+    case u'R':
+        two_digits(local_.hour);
+        put(u':');
+        two_digits(local_.minute);
         break;
     case u'e':
         two_digits(local_.day);
@@ -240,8 +249,14 @@ void time_writer::convert_date(char16_t conversion)
         put(static_cast<char16_t>(u'0' + (local_.day_of_year() + 1) / 100));
         two_digits((local_.day_of_year() + 1) % 100);
         break;
-    case u'm':
-        two_digits(local_.month);
+    case u'n':
+        put(u'\n');
+        break;
+    case u's':
+        number(static_cast<std::uint64_t>(seconds_));
+        break;
+    case u't':
+        put(u'\t');
         break;
     case u'y':
         two_digits(local_.year % 100);
@@ -277,29 +292,14 @@ void time_writer::convert_week(char16_t conversion)
         number(static_cast<unsigned>(local_.weekday()));
         break;
     default:
-        convert_other(conversion);
+        convert_name(conversion);
         break;
     }
 }
 
-void time_writer::convert_other(char16_t conversion)
+void time_writer::convert_name(char16_t conversion)
 {
     switch (conversion) {
-    case u'%':
-        put(u'%');
-        break;
-    case u'n':
-        put(u'\n');
-        break;
-    case u's':
-        number(static_cast<std::uint64_t>(seconds_));
-        break;
-    case u't':
-        put(u'\t');
-        break;
-    case u'z':
-        zone_offset();
-        break;
     case u'a':
     case u'A':
     case u'b':

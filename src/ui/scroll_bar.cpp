@@ -7,9 +7,13 @@ namespace girder::ui {
 
 void scroll_bar::fit(HWND window, int content, int page) noexcept
 {
+    const bool was_needed = needed();
     content_ = content;
     page_ = page;
     position_ = std::clamp(position_, 0, std::max(content - page, 0));
+    // The system needs to hear only of a bar that is there or goes.
+    if (!was_needed && !needed())
+        return;
     SCROLLINFO info{};
     info.cbSize = sizeof info;
     info.fMask = SIF_RANGE | SIF_PAGE | SIF_POS;

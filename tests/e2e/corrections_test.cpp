@@ -131,7 +131,7 @@ TEST_F(corrections_test, each_control_with_a_string_has_a_tooltip_in_the_mode_an
         ui_driver::send(program.window().handle(), WM_NEXTDLGCTL,
                         reinterpret_cast<WPARAM>(program.control(id::cancel).handle()), TRUE);
         press_key(VK_F2);
-        EXPECT_EQ(tooltips_of(program), of_the_window);
+        EXPECT_TRUE(eventually([&] { return tooltips_of(program) == of_the_window; })) << tooltips_of(program);
         EXPECT_EQ(program.close(), 0U) << "no box stands before the window";
     }
     switch_on();
