@@ -4,10 +4,10 @@
 #include "format/compile.h"
 #include "format/error.h"
 #include "format/format.h"
+#include "require.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <optional>
 #include <span>
@@ -18,12 +18,7 @@
 namespace {
 
 using fmtkit::argument;
-
-void require(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
+using fuzz::require;
 
 /// Takes values off the front of the input; zeros and empty texts when it is used up.
 class input {

@@ -1,27 +1,22 @@
 // Any text as JSON: reading it to its depths and skipping it agree on where it is malformed, and what was read comes
 // back from what is written of it.
 
+#include "require.h"
 #include "serialisation/load_exception.h"
 #include "update/json_reader.h"
 #include "update/json_writer.h"
 
-#include <cstdlib>
 #include <optional>
 #include <string>
 #include <string_view>
 
 namespace {
 
+using fuzz::require;
 using namespace girder;
 using json::reader;
 using json::writer;
 using nsm::details::load_exception;
-
-void require(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
 
 /// Where the text is malformed; empty when it is not, or is refused for what it holds.
 template <typename Read>
@@ -47,16 +42,9 @@ void walk(const nsm::value_reader& value)
         value.as_boolean();
 }
 
-/// \return whether it could be read
-template <typename Read>
-bool reads(Read read)
+bool reads(const auto& read)
 {
-    try {
-        read();
-        return true;
-    } catch (const load_exception&) {
-        return false;
-    }
+    return fuzz::succeeds<load_exception>(read);
 }
 
 void check_number(const reader& value)

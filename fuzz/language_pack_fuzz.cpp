@@ -4,12 +4,11 @@
 
 #include "format/compile.h"
 #include "localisation/language_pack.h"
-#include "localisation/little_endian.h"
 #include "localisation/string_tables.h"
+#include "require.h"
+#include "served_text.h"
 
-#include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <iterator>
@@ -19,14 +18,9 @@
 
 namespace {
 
+using fuzz::bytes;
+using fuzz::require;
 using namespace tidelink;
-using bytes = std::span<const std::byte>;
-
-void require(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
 
 std::string content_of(const char* path)
 {
@@ -48,13 +42,6 @@ std::u16string copy_of(std::u16string_view text)
     return copy;
 }
 
-bool lies_in(std::u16string_view text, bytes memory)
-{
-    const auto* const first = reinterpret_cast<const std::byte*>(text.data());
-    const std::size_t size = (text.size() + 1) * sizeof(char16_t);
-    return std::greater_equal<>()(first, memory.data()) && first + size <= memory.data() + memory.size();
-}
-
 /// As many as the English texts have at most.
 constexpr std::size_t argument_limit = 16;
 using arguments = std::array<bool, argument_limit>;
@@ -74,8 +61,7 @@ void check_text(std::u16string_view text, std::u16string_view english, bytes fil
 {
     if (text.empty())
         return;
-    require(lies_in(text, common) || lies_in(text, program) || lies_in(text, file));
-    require(load_number<char16_t>(reinterpret_cast<const std::byte*>(text.data() + text.size())) == 0);
+    fuzz::require_served_from(text, {common, program, file});
     const arguments used = arguments_of(text);
     const arguments allowed = arguments_of(english);
     for (std::size_t index = 0; index < used.size(); ++index)

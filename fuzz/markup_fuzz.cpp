@@ -1,21 +1,16 @@
 // Rich text markup out of any UTF-16: the runs cover the text, links lead to safe addresses, and no text gets lost.
 
+#include "require.h"
 #include "ui/rich_text.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 
 namespace {
 
+using fuzz::require;
 using namespace girder::ui;
-
-void require(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
 
 void check(const rich_text& read)
 {

@@ -3,36 +3,22 @@
 #include "localisation/language_pack.h"
 #include "localisation/little_endian.h"
 #include "localisation/string_layer.h"
+#include "require.h"
+#include "served_text.h"
 
-#include <cstdlib>
-#include <functional>
 #include <optional>
 #include <span>
 
 namespace {
 
+using fuzz::bytes;
+using fuzz::require;
 using namespace tidelink;
-using bytes = std::span<const std::byte>;
 
-void require(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
-
-/// A text with its null behind it has to lie in one of the packs.
 void check_text(std::u16string_view text, bytes lower, bytes upper)
 {
-    if (text.empty())
-        return;
-    const auto* const first = reinterpret_cast<const std::byte*>(text.data());
-    const std::size_t size = text.size() * sizeof(char16_t);
-    const auto within = [&](bytes pack) {
-        return std::greater_equal<>()(first, pack.data()) &&
-               first + size + sizeof(char16_t) <= pack.data() + pack.size();
-    };
-    require(within(lower) || within(upper));
-    require(load_number<char16_t>(first + size) == 0);
+    if (!text.empty())
+        fuzz::require_served_from(text, {lower, upper});
 }
 
 /// Looks for every number that stands in `candidates` as if it were an id.

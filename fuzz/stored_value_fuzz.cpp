@@ -2,13 +2,13 @@
 // whatever stands in a settings key, a record comes out of it.
 
 #include "registry/single_value_reader.h"
+#include "require.h"
 #include "serialisation/guid_text.h"
 #include "serialisation/load_exception.h"
 #include "settings/server_settings.h"
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <functional>
 #include <span>
 #include <string_view>
@@ -17,17 +17,12 @@
 
 namespace {
 
+using fuzz::require;
 using namespace girder;
 using namespace tidelink;
 using nsm::details::load_exception;
 using registry_ex::single_value_reader;
 using registry_ex::stored_value;
-
-void require(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
 
 void require_listed(const load_exception& error)
 {

@@ -38,9 +38,9 @@ inline constexpr unsigned deepest_nesting = 64;
 /// One value. A malformed text is refused by every function that comes across the malformed place, with a
 /// load_exception that has a position.
 ///
-/// Text is UTF-8, ill-formed sequences become U+FFFD; the escapes \" \\ \/ \b \f \n \r \t and \u with four digits are resolved, half
-/// of a surrogate pair becomes U+FFFD, other escapes are malformed. Dates are "%FT%T%z" or "%FT%T", which is UTC. Bytes
-/// are base64, with or without padding.
+/// Text is UTF-8, ill-formed sequences become U+FFFD; the escapes \" \\ \/ \b \f \n \r \t and \u with four digits are
+/// resolved, half of a surrogate pair becomes U+FFFD, other escapes are malformed. Dates are "%FT%T%z" or "%FT%T",
+/// which is UTC. Bytes are base64, with or without padding.
 class reader final : public nsm::value_reader {
 public:
     /// The first value in `text`, which outlives the reader and what it visits.
