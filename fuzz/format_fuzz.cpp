@@ -6,9 +6,12 @@
 #include "format/format.h"
 #include "require.h"
 
+#include <fuzzer/FuzzedDataProvider.h>
+
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <deque>
 #include <optional>
 #include <span>
 #include <string>
@@ -20,34 +23,6 @@ namespace {
 using fmtkit::argument;
 using fuzz::require;
 
-/// Takes values off the front of the input; zeros and empty texts when it is used up.
-class input {
-public:
-    explicit input(std::string_view bytes) : rest_(bytes) {}
-
-    template <typename Number>
-    Number number()
-    {
-        Number value{};
-        const std::string_view taken = take(sizeof value);
-        std::memcpy(&value, taken.data(), taken.size());
-        return value;
-    }
-
-    std::string_view text() { return take(number<std::uint8_t>()); }
-    std::string_view rest() const { return rest_; }
-
-private:
-    std::string_view take(std::size_t size)
-    {
-        const std::string_view taken = rest_.substr(0, size);
-        rest_.remove_prefix(taken.size());
-        return taken;
-    }
-
-    std::string_view rest_;
-};
-
 std::u16string units_of(std::string_view bytes)
 {
     std::u16string units(bytes.size() / 2, u'\0');
@@ -57,37 +32,36 @@ std::u16string units_of(std::string_view bytes)
 
 /// Arguments and the texts that they refer to.
 struct argument_list {
-    explicit argument_list(input& source)
+    explicit argument_list(FuzzedDataProvider& source)
     {
-        const std::size_t count = source.number<std::uint8_t>() % 8;
-        wide_texts.reserve(count);
-        for (std::size_t left = count; left > 0; --left)
+        for (auto left = source.ConsumeIntegralInRange(0, 7); left > 0; --left)
             values.push_back(draw(source));
     }
 
-    argument draw(input& source)
+    argument draw(FuzzedDataProvider& source)
     {
-        switch (source.number<std::uint8_t>() % 8) {
+        constexpr std::size_t longest_text = 255;
+        switch (source.ConsumeIntegralInRange(0, 7)) {
         case 0:
-            return source.number<std::int32_t>();
+            return source.ConsumeIntegral<std::int32_t>();
         case 1:
-            return source.number<std::uint32_t>();
+            return source.ConsumeIntegral<std::uint32_t>();
         case 2:
-            return source.number<std::int64_t>();
+            return source.ConsumeIntegral<std::int64_t>();
         case 3:
-            return source.number<std::uint64_t>();
+            return source.ConsumeIntegral<std::uint64_t>();
         case 4:
-            return wide_texts.emplace_back(units_of(source.text()));
+            return wide_texts.emplace_back(units_of(source.ConsumeRandomLengthString(longest_text)));
         case 5:
-            return source.text();
+            return narrow_texts.emplace_back(source.ConsumeRandomLengthString(longest_text));
         case 6:
-            return source.number<std::uint8_t>() % 2 == 0;
+            return source.ConsumeBool();
         default:
             // Half of them near today.
-            return source.number<std::uint8_t>() % 2 == 0
-                       ? girder::file_time{source.number<std::int64_t>()}
+            return source.ConsumeBool()
+                       ? girder::file_time{source.ConsumeIntegral<std::int64_t>()}
                        : girder::file_time{girder::unix_epoch_ticks +
-                                           source.number<std::uint32_t>() * girder::ticks_per_second};
+                                           source.ConsumeIntegral<std::uint32_t>() * girder::ticks_per_second};
         }
     }
 
@@ -101,7 +75,8 @@ struct argument_list {
         });
     }
 
-    std::vector<std::u16string> wide_texts;
+    std::deque<std::u16string> wide_texts;
+    std::deque<std::string> narrow_texts;
     std::vector<argument> values;
 };
 
@@ -158,14 +133,14 @@ bool says_the_same_in_both(std::span<const fmtkit::FormatItem> items)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    input source({reinterpret_cast<const char*>(data), size});
-    argument_list arguments(source);
-    const std::string_view narrow_text = source.rest();
+    FuzzedDataProvider source(data, size);
+    const argument_list arguments(source);
+    const std::string narrow_text = source.ConsumeRemainingBytesAsString();
     const bool ascii = std::ranges::all_of(narrow_text, [](char unit) { return unit >= 0; });
     const std::u16string wide_text = ascii ? std::u16string(narrow_text.begin(), narrow_text.end()) //
                                            : units_of(narrow_text);
 
-    const compiled<char> narrow = compile(narrow_text);
+    const compiled<char> narrow = compile(std::string_view(narrow_text));
     const compiled<char16_t> wide = compile(std::u16string_view(wide_text));
     std::string narrow_result;
     std::u16string wide_result;
