@@ -1,10 +1,10 @@
 #include "base/program.h"
-#include "demo_service.h"
 #include "device_database/device_database.h"
 #include "harness.h"
-#include "settings_key.h"
 #include "ui_driver/round_trips.h"
-#include "utility.h"
+#include "utility_driver/demo_service.h"
+#include "utility_driver/settings_key.h"
+#include "utility_driver/utility.h"
 
 #include <windows.h>
 
@@ -20,7 +20,7 @@
 
 namespace {
 
-using namespace e2e;
+using namespace utility_driver;
 using namespace std::chrono_literals;
 using milliseconds = std::chrono::duration<double, std::milli>;
 

@@ -1,11 +1,12 @@
 // What another program on the machine can try. docs/attack-surface.md says what each attempt may and may not do.
 
 #include "base/handles.h"
-#include "demo_service.h"
+#include "base/program.h"
 #include "fixture.h"
 #include "program_folder.h"
 #include "support/cases.h"
 #include "ui_driver/remote_memory.h"
+#include "utility_driver/demo_service.h"
 
 #include <windows.h>
 
@@ -164,7 +165,8 @@ protected:
         program_folder_test::SetUp();
         folder_ = std::filesystem::path(program_under_test).parent_path();
         for (const wchar_t* const name : planted_names)
-            std::filesystem::copy_file(planted_library, folder_ / name);
+            std::filesystem::copy_file(std::filesystem::path(girder::program_folder()) / "libplanted_library.dll",
+                                       folder_ / name);
         previous_folder_ = std::filesystem::current_path();
         std::filesystem::current_path(folder_);
         ::SetEnvironmentVariableW(L"PATH", folder_.c_str());

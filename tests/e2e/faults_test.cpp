@@ -2,11 +2,11 @@
 
 #include "base/utf.h"
 #include "base/win32_error.h"
-#include "demo_service.h"
 #include "fixture.h"
 #include "program_folder.h"
 #include "support/cases.h"
 #include "ui_driver/polling.h"
+#include "utility_driver/demo_service.h"
 
 #include <array>
 #include <fstream>

@@ -1,12 +1,12 @@
 #pragma once
 
 #include "device_database/device_database.h"
-#include "settings_key.h"
 #include "support/debug_monitor.h"
 #include "support/handle_count.h"
 #include "support/reload_listener.h"
 #include "ui_driver/polling.h"
-#include "utility.h"
+#include "utility_driver/settings_key.h"
+#include "utility_driver/utility.h"
 
 #include <gmock/gmock.h>
 
@@ -14,6 +14,8 @@
 #include <string>
 
 namespace e2e {
+
+using namespace utility_driver;
 
 /// A window that does not answer for so long hangs, whatever else the machine does.
 inline constexpr std::chrono::seconds hang{2};

@@ -1,12 +1,12 @@
 #include "base/utf.h"
 #include "base/win32_error.h"
-#include "demo_service.h"
 #include "fixture.h"
 #include "support/cases.h"
 #include "support/reload_listener.h"
 #include "ui_driver/keyboard.h"
 #include "ui_driver/polling.h"
 #include "ui_driver/round_trips.h"
+#include "utility_driver/demo_service.h"
 
 #include <array>
 #include <chrono>

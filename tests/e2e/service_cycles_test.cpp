@@ -1,5 +1,5 @@
-#include "demo_service.h"
 #include "fixture.h"
+#include "utility_driver/demo_service.h"
 
 namespace {
 

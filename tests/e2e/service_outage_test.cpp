@@ -1,9 +1,9 @@
 #include "base/utf.h"
 #include "base/win32_error.h"
-#include "demo_service.h"
 #include "fixture.h"
-#include "processes.h"
 #include "ui_driver/polling.h"
+#include "utility_driver/demo_service.h"
+#include "utility_driver/processes.h"
 
 #include <chrono>
 #include <thread>

@@ -1,6 +1,6 @@
-#include "demo_service.h"
 #include "fixture.h"
 #include "ui_driver/polling.h"
+#include "utility_driver/demo_service.h"
 
 namespace {
 

@@ -1,40 +1,14 @@
 #pragma once
 
-#include <windows.h>
+#include "handle_figures/handle_figures.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <array>
 #include <chrono>
-#include <cstdint>
-#include <vector>
 
 namespace support {
 
-/// How far the process's tables of kernel, GDI and window-system objects are filled: the highest numbers that many
-/// fresh objects get. The tables give out what is free from the bottom, so each lost object raises its number by one
-/// place. (The system's own counters are not kept everywhere.)
-inline std::array<std::uintptr_t, 3> handle_marks()
-{
-    constexpr int fresh = 512;
-    const auto highest = [](auto create, auto destroy, std::uintptr_t mask) {
-        std::vector<decltype(create())> objects;
-        std::uintptr_t mark = 0;
-        for (int i = 0; i < fresh; ++i) {
-            objects.push_back(create());
-            mark = std::max(mark, reinterpret_cast<std::uintptr_t>(objects.back()) & mask);
-        }
-        for (const auto object : objects)
-            destroy(object);
-        return mark;
-    };
-    constexpr std::uintptr_t whole = UINTPTR_MAX;
-    constexpr std::uintptr_t index = 0xFFFF;
-    return {highest([] { return ::CreateEventW(nullptr, TRUE, FALSE, nullptr); }, ::CloseHandle, whole),
-            highest([] { return ::CreateSolidBrush(0x123456); }, ::DeleteObject, index),
-            highest([] { return ::CreateMenu(); }, ::DestroyMenu, index)};
-}
+using handle_figures::handle_marks;
 
 /// 200 openings of a dialog leave no object behind, once the system's own threads have let go of theirs. The first ones
 /// make what the system keeps.

@@ -1,4 +1,4 @@
-#include "processes.h"
+#include "utility_driver/processes.h"
 
 #include "base/handles.h"
 #include "ui_driver/polling.h"
@@ -8,7 +8,7 @@
 
 #include <tlhelp32.h>
 
-namespace e2e {
+namespace utility_driver {
 
 void end_processes(std::wstring_view executable)
 {
@@ -29,4 +29,4 @@ void end_processes(std::wstring_view executable)
     }
 }
 
-} // namespace e2e
+} // namespace utility_driver

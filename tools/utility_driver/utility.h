@@ -7,14 +7,12 @@
 #include <string>
 #include <vector>
 
-namespace e2e {
+namespace utility_driver {
 
-/// Full path of the program that the tests start.
+/// Full path of the program that is started.
 extern std::u16string program_under_test;
-/// Full path of the stand-in server that they install.
+/// Full path of the stand-in server that is installed.
 extern std::u16string server_under_test;
-/// Full path of a DLL that does nothing, to be planted under other names.
-extern std::u16string planted_library;
 
 inline constexpr char16_t main_window_title[] = u"Zelmark Tidelink Server Control";
 inline constexpr char16_t error_title[] = u"Operation Error";
@@ -86,4 +84,4 @@ private:
     DWORD id_ = 0;
 };
 
-} // namespace e2e
+} // namespace utility_driver

@@ -2,9 +2,9 @@
 
 #include <string_view>
 
-namespace e2e {
+namespace utility_driver {
 
 /// Ends every process of that executable's name and waits until it is gone. \throws ui_driver::timed_out
 void end_processes(std::wstring_view executable);
 
-} // namespace e2e
+} // namespace utility_driver

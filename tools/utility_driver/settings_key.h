@@ -10,7 +10,7 @@
 
 // The key that the utility shares with the server, looked at with plain registry calls.
 
-namespace e2e {
+namespace utility_driver {
 
 struct stored_value {
     DWORD type = REG_NONE;
@@ -40,4 +40,4 @@ void write(const std::u16string& name, const stored_value& value);
 stored_values read();
 
 } // namespace settings_key
-} // namespace e2e
+} // namespace utility_driver

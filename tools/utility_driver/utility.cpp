@@ -1,4 +1,4 @@
-#include "utility.h"
+#include "utility_driver/utility.h"
 
 #include "base/utf.h"
 #include "base/wide.h"
@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <stdexcept>
 
-namespace e2e {
+namespace utility_driver {
 
 using ui_driver::timed_out;
 
@@ -35,7 +35,6 @@ PROCESS_INFORMATION start(const std::u16string& command_line)
 
 std::u16string program_under_test;
 std::u16string server_under_test;
-std::u16string planted_library;
 
 utility::utility(const std::u16string& program)
 {
@@ -132,4 +131,4 @@ DWORD utility::close() const
     return exit_code();
 }
 
-} // namespace e2e
+} // namespace utility_driver

@@ -1,4 +1,4 @@
-#include "settings_key.h"
+#include "utility_driver/settings_key.h"
 
 #include "base/handles.h"
 #include "base/wide.h"
@@ -6,7 +6,7 @@
 
 #include <array>
 
-namespace e2e {
+namespace utility_driver {
 namespace {
 
 constexpr wchar_t maker_path[] = L"Software\\Zelmark";
@@ -107,4 +107,4 @@ stored_values settings_key::read()
     return values;
 }
 
-} // namespace e2e
+} // namespace utility_driver

@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <string>
 
-namespace e2e {
+namespace utility_driver {
 
 /// The stand-in server in a folder of its own, beside a copy of the program under test. The folder's name has what
 /// paths are got wrong with: spaces and letters of several scripts. The object leaves neither service nor folder.
@@ -44,4 +44,4 @@ private:
 /// The service, with every right; empty when there is none.
 girder::unique_service_handle open_demo_service();
 
-} // namespace e2e
+} // namespace utility_driver

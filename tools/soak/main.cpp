@@ -4,13 +4,12 @@
 #include "base/handles.h"
 #include "base/utf.h"
 #include "base/win32_error.h"
-#include "demo_service.h"
 #include "device_database/device_database.h"
-#include "settings_key.h"
-#include "support/handle_count.h"
-#include "support/handle_marks.h"
+#include "handle_figures/handle_figures.h"
 #include "ui_driver/polling.h"
-#include "utility.h"
+#include "utility_driver/demo_service.h"
+#include "utility_driver/settings_key.h"
+#include "utility_driver/utility.h"
 
 #include <windows.h>
 
@@ -27,7 +26,7 @@
 
 namespace {
 
-using namespace e2e;
+using namespace utility_driver;
 using namespace std::chrono_literals;
 using clock = std::chrono::steady_clock;
 
@@ -60,8 +59,8 @@ std::size_t gdi_objects(HANDLE process)
     std::vector<entry> entries(table_size);
     if (query(process, ProcessBasicInformation, &basics, sizeof basics, nullptr) != 0 ||
         !::ReadProcessMemory(process,
-                             reinterpret_cast<const std::byte*>(basics.PebBaseAddress) + table_in_process_block, &table,
-                             sizeof table, nullptr) ||
+                             reinterpret_cast<const std::byte*>(basics.PebBaseAddress) + table_in_process_block,
+                             static_cast<void*>(&table), sizeof table, nullptr) ||
         !::ReadProcessMemory(process, table, entries.data(), entries.size() * sizeof(entry), nullptr))
         girder::throw_last_error("ReadProcessMemory");
     return static_cast<std::size_t>(std::ranges::count_if(entries, [](const entry& each) { return each.type != 0; }));
@@ -97,9 +96,10 @@ figures look_at(const utility& program)
                    {.name = "committed KiB"},
                    {.name = "KiB by the system's counter", .judged = false}}};
     for (const auto until = clock::now() + 12s; clock::now() < until; ::Sleep(500)) {
-        const std::array<std::size_t, 5> now{
-            support::handle_count(program.process_id()), gdi_objects(program.process()), support::handle_marks()[2],
-            committed_kilobytes(program.process()), counted_kilobytes(program.process())};
+        const std::array<std::size_t, 5> now{handle_figures::handle_count(program.process_id()),
+                                             gdi_objects(program.process()), handle_figures::handle_marks()[2],
+                                             committed_kilobytes(program.process()),
+                                             counted_kilobytes(program.process())};
         for (std::size_t i = 0; i < now.size(); ++i)
             least.at(i).value = std::min(least.at(i).value, now.at(i));
     }
@@ -111,7 +111,7 @@ void print(const figures& what, long long seconds, int rounds)
     std::cout << seconds << " s, " << rounds << " rounds:";
     for (const figure& each : what)
         std::cout << "  " << each.name << ' ' << each.value;
-    std::cout << std::endl;
+    std::cout << '\n' << std::flush;
 }
 
 /// Now and then, on a busy machine, Wine gets a process not started, which the program tells in a box. \return whether
@@ -251,7 +251,8 @@ try {
     }
     program_under_test = std::filesystem::absolute(argv[1]).u16string();
     server_under_test = std::filesystem::absolute(argv[2]).u16string();
-    return soak(std::chrono::minutes(std::atoi(argv[3])), argc == 5 ? argv[4] : "") ? EXIT_SUCCESS : EXIT_FAILURE;
+    const std::chrono::minutes duration(std::strtol(argv[3], nullptr, 10));
+    return soak(duration, argc == 5 ? argv[4] : "") ? EXIT_SUCCESS : EXIT_FAILURE;
 } catch (const std::exception& error) {
     std::cerr << "soak: " << error.what() << '\n';
     return EXIT_FAILURE;

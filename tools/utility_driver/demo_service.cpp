@@ -1,9 +1,9 @@
-#include "demo_service.h"
+#include "utility_driver/demo_service.h"
 
-#include "processes.h"
 #include "ui_driver/polling.h"
 #include "ui_driver/window.h"
-#include "utility.h"
+#include "utility_driver/processes.h"
+#include "utility_driver/utility.h"
 
 #include <windows.h>
 
@@ -11,7 +11,7 @@
 #include <sstream>
 #include <stdexcept>
 
-namespace e2e {
+namespace utility_driver {
 
 using girder::unique_service_handle;
 using ui_driver::eventually;
@@ -99,4 +99,4 @@ void demo_service::remove()
         throw timed_out("the service stays");
 }
 
-} // namespace e2e
+} // namespace utility_driver
