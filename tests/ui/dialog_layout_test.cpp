@@ -28,8 +28,6 @@ protected:
         check_list::set_up(control(IDC_LIST));
         for (std::uint32_t port = 1; port <= 20; ++port)
             check_list::append(control(IDC_LIST), u"Communications Port", port, true);
-        add_combo_entry(control(IDC_COMBO), text_, 0);
-        select_combo_entry(control(IDC_COMBO), 0);
         return true;
     }
     box layout(const control_measure& measure) const override
@@ -95,6 +93,11 @@ TEST(dpi_change_test, takes_the_suggested_corner_and_comes_back_to_the_old_size)
         EXPECT_EQ(font_of(dialog.control(IDOK)).lfHeight, -::MulDiv(8, dpi, 72));
         EXPECT_GE(there.right, scaled(first, 96, dpi).right);
         support::expect_tidy(dialog.window(), IDC_GROUP);
+        const HWND list = dialog.control(IDC_LIST);
+        RECT inside{};
+        ::GetClientRect(list, &inside);
+        EXPECT_EQ(::SendMessageW(list, LVM_GETCOLUMNWIDTH, 0, 0), inside.right);
+        EXPECT_EQ(::GetWindowLongPtrW(list, GWL_STYLE) & WS_HSCROLL, 0);
 
         change_dpi(dialog, 96, scaled(there, dpi, 96));
         EXPECT_NEAR(size_of(dialog.window()).cx, first_size.cx, first_size.cx / 20);
@@ -134,30 +137,6 @@ TEST(lay_out_test, what_the_screen_has_no_room_for_is_scrolled_to)
     dialog.lay_out(96);
     EXPECT_EQ(bars(), 0U);
     support::expect_tidy(dialog.window(), IDC_GROUP);
-}
-
-TEST(lay_out_test, list_gives_way_before_anything_leaves_the_screen)
-{
-    const RECT work = support::work_area();
-    sample_dialog dialog(u"Share all ports");
-    dialog.lay_out(96);
-    const int factor = 1 + work.bottom / size_of(dialog.window()).cy;
-    const int scaled_list = size_of(dialog.control(IDC_LIST)).cy * factor;
-    dialog.lay_out(static_cast<UINT>(96 * factor));
-    EXPECT_LT(size_of(dialog.control(IDC_LIST)).cy, scaled_list);
-    support::expect_tidy(dialog.window(), IDC_GROUP);
-    EXPECT_LE(place_of(dialog.window()).bottom, work.bottom);
-}
-
-TEST(check_list_test, column_is_as_wide_as_the_list)
-{
-    sample_dialog dialog(u"Share all ports");
-    dialog.lay_out(96);
-    const HWND list = dialog.control(IDC_LIST);
-    RECT inside{};
-    ::GetClientRect(list, &inside);
-    EXPECT_EQ(::SendMessageW(list, LVM_GETCOLUMNWIDTH, 0, 0), inside.right);
-    EXPECT_EQ(::GetWindowLongPtrW(list, GWL_STYLE) & WS_HSCROLL, 0);
 }
 
 } // namespace

@@ -116,6 +116,7 @@ TEST(fit_scrolled_test, shows_a_part_beside_or_above_a_bar_and_the_whole_where_t
     };
     for (const auto& [name, inside, expected] : cases)
         EXPECT_EQ(fit_scrolled(column({wide(1), small(2)}, 0), inside, {5, 6}), expected) << name;
+    EXPECT_EQ(fit_scrolled(list(1), {50, 10}, {5, 6}), (scrolled_fit{{50, 10}, {50, 10}})) << "what can shrink does";
 }
 
 TEST(centred_test, goes_over_its_owner_but_never_off_the_screen)
