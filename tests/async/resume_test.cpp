@@ -1,14 +1,13 @@
 #include "async/resume.h"
 #include "async/task.h"
 #include "base/handles.h"
-#include "base/win32_error.h"
 #include "support/detached.h"
 #include "support/handle_count.h"
 
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <chrono>
+#include <vector>
 
 namespace {
 
@@ -66,13 +65,22 @@ task<> signalled(HANDLE handle, cancellation cancelled)
     co_await girder::resume_on_signal(handle, std::move(cancelled));
 }
 
+task<> on_a_pool_thread(cancellation cancelled)
+{
+    co_await girder::resume_background(std::move(cancelled));
+}
+
+task<> on_thread(girder::ui_thread& thread, cancellation cancelled)
+{
+    co_await girder::resume_foreground(thread, std::move(cancelled));
+}
+
 TEST(resume_test, each_way_resumes_on_another_thread)
 {
     const unique_kernel_handle event = make_event();
     ::SetEvent(event.get());
-    const auto background = []() -> task<> { co_await girder::resume_background(); };
     const auto begin = std::chrono::steady_clock::now();
-    task<> operations[] = {delayed(120ms, {}), signalled(event.get(), {}), background()};
+    task<> operations[] = {delayed(120ms, {}), signalled(event.get(), {}), on_a_pool_thread({})};
     for (task<>& operation : operations) {
         outcome result;
         const running started = observe(std::move(operation), result);
@@ -83,41 +91,30 @@ TEST(resume_test, each_way_resumes_on_another_thread)
     EXPECT_GE(std::chrono::steady_clock::now() - begin, 110ms) << "a delay lasts at least as long as asked";
 }
 
-TEST(resume_test, cancelling_ends_a_wait_at_once_before_and_while_it_is_suspended)
-{
-    const unique_kernel_handle never = make_event();
-    for (const bool cancel_first : {true, false}) {
-        for (const bool timer : {true, false}) {
-            std::stop_source source;
-            if (cancel_first)
-                source.request_stop();
-            outcome result;
-            const running started = observe(
-                timer ? delayed(for_ever, source.get_token()) : signalled(never.get(), source.get_token()), result);
-            source.request_stop();
-            ASSERT_TRUE(result.wait()) << cancel_first << timer;
-            EXPECT_TRUE(result.cancelled) << cancel_first << timer;
-        }
-    }
-}
-
-TEST(resume_test, a_change_of_thread_shows_a_cancellation_when_it_resumes)
+TEST(resume_test, cancelling_shows_at_once_before_and_while_an_operation_is_suspended)
 {
     girder::ui_thread here(WM_APP + 8);
-    const auto to_background = [](cancellation cancelled) -> task<> {
-        co_await girder::resume_background(std::move(cancelled));
-    };
-    const auto to_foreground = [](girder::ui_thread& thread, cancellation cancelled) -> task<> {
-        co_await girder::resume_foreground(thread, std::move(cancelled));
-    };
-    std::stop_source source;
-    source.request_stop();
-    task<> operations[] = {to_background(source.get_token()), to_foreground(here, source.get_token())};
-    for (task<>& operation : operations) {
-        outcome result;
-        const running started = observe(std::move(operation), result);
-        ASSERT_TRUE(result.wait());
-        EXPECT_TRUE(result.cancelled);
+    const unique_kernel_handle never = make_event();
+    for (const bool cancel_first : {true, false}) {
+        std::stop_source source;
+        if (cancel_first)
+            source.request_stop();
+        std::vector<task<>> operations;
+        operations.push_back(delayed(for_ever, source.get_token()));
+        operations.push_back(signalled(never.get(), source.get_token()));
+        if (cancel_first) {
+            operations.push_back(on_a_pool_thread(source.get_token()));
+            operations.push_back(on_thread(here, source.get_token()));
+        }
+        std::vector<outcome> results(operations.size());
+        std::vector<running> started;
+        for (std::size_t i = 0; i < operations.size(); ++i)
+            started.push_back(observe(std::move(operations[i]), results[i]));
+        source.request_stop();
+        for (const outcome& result : results) {
+            ASSERT_TRUE(result.wait());
+            EXPECT_TRUE(result.cancelled) << cancel_first;
+        }
     }
 }
 
@@ -145,40 +142,6 @@ TEST(resume_test, abandoning_a_suspended_wait_takes_it_back)
         EXPECT_EQ(::WaitForSingleObject(result.done.get(), 0), DWORD{WAIT_TIMEOUT});
     }
     EXPECT_LE(support::handle_count(), handles_before + 8);
-}
-
-TEST(resume_test, errors_of_pool_threads_reach_the_user_interface_thread_unchanged)
-{
-    constexpr UINT message_number = WM_APP + 8;
-    girder::ui_thread here(message_number);
-    const auto failing = []() -> task<> {
-        co_await girder::resume_background();
-        girder::throw_win32(ERROR_ACCESS_DENIED, "OpenServiceW");
-    };
-    const auto run = [&failing](girder::ui_thread& back, std::uint32_t& code, bool& on_thread) -> running {
-        std::exception_ptr error;
-        try {
-            task<> operation = failing();
-            co_await std::move(operation);
-        } catch (...) {
-            error = std::current_exception();
-        }
-        co_await girder::resume_foreground(back);
-        on_thread = back.is_current();
-        try {
-            std::rethrow_exception(error);
-        } catch (const girder::system_error& failure) {
-            code = failure.code();
-        }
-    };
-    std::uint32_t code = 0;
-    bool on_thread = false;
-    const running started = run(here, code, on_thread);
-    MSG message;
-    ASSERT_TRUE(::GetMessageW(&message, nullptr, message_number, message_number));
-    here.run(message);
-    EXPECT_EQ(code, std::uint32_t{ERROR_ACCESS_DENIED});
-    EXPECT_TRUE(on_thread);
 }
 
 TEST(resume_test, a_post_that_arrives_after_its_operation_was_abandoned_does_nothing)

@@ -68,17 +68,19 @@ TEST(task_test, objects_of_an_operation_die_once_wherever_it_is_abandoned)
     EXPECT_EQ(counted::alive, 0);
 }
 
+task<> failing_inside()
+{
+    const counted argument;
+    task<> inner = failing(argument);
+    co_await std::move(inner);
+}
+
 TEST(task_test, exceptions_reach_the_awaiter_through_several_tasks)
 {
     std::string caught;
-    const auto outer = []() -> task<> {
-        const counted argument;
-        task<> inner = failing(argument);
-        co_await std::move(inner);
-    };
-    const auto run = [&outer](std::string& text) -> running {
+    const auto run = [](std::string& text) -> running {
         try {
-            task<> operation = outer();
+            task<> operation = failing_inside();
             co_await std::move(operation);
         } catch (const std::runtime_error& error) {
             text = error.what();

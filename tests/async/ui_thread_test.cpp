@@ -2,37 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <thread>
+#include <memory>
 
 namespace {
 
 constexpr UINT message_number = WM_APP + 7;
-
-/// Gives every message in the thread's queue to `target`, as the program's hook does.
-void run_queue(girder::ui_thread& target)
-{
-    MSG message;
-    while (::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
-        target.run(message);
-}
-
-TEST(ui_thread_test, callables_of_other_threads_run_here_once_and_in_order)
-{
-    girder::ui_thread target(message_number);
-    std::vector<int> order;
-    std::thread([&] {
-        EXPECT_FALSE(target.is_current());
-        for (int i = 0; i < 3; ++i)
-            target.post([&order, &target, i] {
-                EXPECT_TRUE(target.is_current());
-                order.push_back(i);
-            });
-        target.post({});
-    }).join();
-    EXPECT_TRUE(order.empty());
-    run_queue(target);
-    EXPECT_EQ(order, (std::vector{0, 1, 2}));
-}
 
 TEST(ui_thread_test, a_made_up_pointer_or_a_second_delivery_runs_nothing)
 {
