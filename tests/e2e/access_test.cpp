@@ -1,17 +1,10 @@
 #include "fixture.h"
-#include "ui_driver/polling.h"
 
 namespace {
 
 using namespace e2e;
 
-class access_test : public machine_test {
-protected:
-    static ui_driver::dialog main_window(const utility& program)
-    {
-        return ui_driver::find_dialogs(main_window_title, program.process_id()).at(0);
-    }
-};
+using access_test = machine_test;
 
 TEST_F(access_test, ok_in_the_systems_editor_is_a_change_and_apply_stores_the_normalised_list)
 {
@@ -27,17 +20,6 @@ TEST_F(access_test, ok_in_the_systems_editor_is_a_change_and_apply_stores_the_no
     program.control(id::apply).click();
     EXPECT_FALSE(program.apply_enabled());
     EXPECT_EQ(stored(), text(u"D:(A;;0xc0100004;;;SU)(A;;0xc0100000;;;BA)"));
-    EXPECT_EQ(program.close(), 0U);
-}
-
-TEST_F(access_test, the_main_window_closes_under_the_open_editor)
-{
-    const utility program;
-    program.control(id::security).post_click();
-    program.access_editor();
-    main_window(program).post_close();
-    EXPECT_EQ(program.exit_code(), 0U);
-    EXPECT_FALSE(settings_key::read().contains(u"securityDescriptor"));
 }
 
 } // namespace

@@ -27,24 +27,6 @@ TEST_F(process_test, a_second_start_ends_at_once_and_brings_the_window_to_the_fr
     EXPECT_EQ(first.close(), 0U);
 }
 
-TEST_F(process_test, a_window_of_any_program_with_the_title_stops_the_start)
-{
-    const HWND other = ::CreateWindowExW(0, L"STATIC", L"Zelmark Tidelink Server Control", WS_OVERLAPPED, 0, 0, 9, 9,
-                                         nullptr, nullptr, nullptr, nullptr);
-    ASSERT_TRUE(other);
-    const utility program;
-    // The program activates the window, which asks this thread.
-    const auto ended = [&] {
-        MSG message;
-        while (::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
-            ::DispatchMessageW(&message);
-        return ::WaitForSingleObject(program.process(), 0) == WAIT_OBJECT_0;
-    };
-    EXPECT_TRUE(ui_driver::eventually(ended));
-    EXPECT_EQ(program.exit_code(), 0U);
-    ::DestroyWindow(other);
-}
-
 /// The access list of a kernel object as a security descriptor string.
 std::wstring descriptor_of(const girder::unique_kernel_handle& object)
 {

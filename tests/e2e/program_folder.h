@@ -31,9 +31,10 @@ protected:
         return std::filesystem::path(built_program_).parent_path() / "languages";
     }
 
+    const std::filesystem::path folder_ = std::filesystem::temp_directory_path() / "tidelink program";
+
 private:
     std::u16string built_program_;
-    std::filesystem::path folder_ = std::filesystem::temp_directory_path() / "tidelink program";
 };
 
 } // namespace e2e

@@ -1,32 +1,414 @@
+#include "base/utf.h"
+#include "base/win32_error.h"
 #include "fixture.h"
-#include "ui_driver/polling.h"
+#include "support/cases.h"
+#include "ui_driver/keyboard.h"
+#include "ui_driver/round_trips.h"
 #include "utility_driver/demo_service.h"
+#include "utility_driver/processes.h"
+
+#include <array>
+#include <cstdio>
+#include <fstream>
+#include <optional>
+#include <thread>
 
 namespace {
 
 using namespace e2e;
+using namespace std::chrono_literals;
+using testing::ContainsRegex;
 using ui_driver::eventually;
+using clock = std::chrono::steady_clock;
 
-using service_test = machine_test;
+/// What the main window shows about the service.
+struct shown {
+    std::u16string status;
+    std::u16string start; ///< caption of the button
+    bool can_start = false;
+    bool can_stop = false;
 
-TEST_F(service_test, the_running_service_reads_what_was_applied)
+    bool operator==(const shown&) const = default;
+    friend std::ostream& operator<<(std::ostream& out, const shown& what)
+    {
+        return out << girder::to_utf8(what.status) << ", " << girder::to_utf8(what.start)
+                   << (what.can_start ? "+" : "-") << ", Stop" << (what.can_stop ? "+" : "-");
+    }
+};
+
+const shown not_installed{.status = u"Not installed", .start = u"&Install", .can_start = true};
+const shown standalone_not_installed{.status = u"Running as standalone", .start = u"&Install"};
+const shown stopped{.status = u"Stopped", .start = u"&Start", .can_start = true};
+const shown installed_by_others{.status = u"Stopped", .start = u"&Install", .can_start = true};
+const shown standalone{.status = u"Running as standalone", .start = u"&Start"};
+const shown running{.status = u"Running", .start = u"&Start", .can_stop = true};
+
+constexpr unsigned an_hour_ms = 3'600'000;
+constexpr unsigned long_enough_ms = 2500; ///< for the wait dialog to open, and what happens then
+constexpr std::uint32_t access_denied = 0x80070005;
+
+class service_test : public machine_test {
+protected:
+    static shown state_of(const utility& program)
+    {
+        const ui_driver::dialog window = program.window();
+        return {.status = window.item(id::status).text(),
+                .start = window.item(id::start).text(),
+                .can_start = window.item(id::start).enabled(),
+                .can_stop = window.item(id::stop).enabled()};
+    }
+    /// What other programs' windows cause by going to the front and leaving it.
+    static shown state_after_activation(const utility& program)
+    {
+        const HWND window = program.window().handle();
+        ui_driver::send(window, WM_ACTIVATE, WA_INACTIVE);
+        ui_driver::send(window, WM_ACTIVATE, WA_ACTIVE);
+        return state_of(program);
+    }
+    /// The box for an error has the system's own words and the code.
+    static void expect_error(const utility& program, std::uint32_t code)
+    {
+        const ui_driver::dialog box = program.message(error_title);
+        std::array<char, 16> digits{};
+        std::snprintf(digits.data(), digits.size(), "0x%08x", static_cast<unsigned>(code));
+        EXPECT_EQ(utility::text_of(box),
+                  "Error " + girder::to_utf8(girder::system_message(code)) + " (" + digits.data() + ")");
+        utility::answer(box, id::ok);
+    }
+
+    demo_service service_;
+};
+
+TEST_F(service_test, is_installed_started_told_what_is_applied_and_stopped)
 {
-    const demo_service service;
-    service.install();
-    service.start();
-    const auto has_logged = [&](const char* text) { return service.log().find(text) != std::string::npos; };
-    EXPECT_TRUE(eventually([&] { return has_logged("started, sharing all ports; auto-discovery on"); }))
-        << service.log();
-    const utility program;
+    const utility program(service_.program());
+    EXPECT_EQ(state_of(program), not_installed);
+    program.control(id::start).click();
+    EXPECT_EQ(state_of(program), running);
+    EXPECT_EQ(demo_service::state(), DWORD{SERVICE_RUNNING});
+    EXPECT_TRUE(eventually([&] { return service_.log().ends_with("started, sharing all ports; auto-discovery on\n"); }))
+        << service_.log();
+
     program.control(id::share_selected).click();
     program.check_ports({3, 10});
     program.control(id::auto_discovery).click();
     program.control(id::apply).click();
-    EXPECT_TRUE(eventually([&] { return has_logged("reloaded, "); }));
+    EXPECT_TRUE(eventually([&] { return service_.log().find("reloaded, ") != std::string::npos; }));
+    program.control(id::stop).click();
+    EXPECT_EQ(state_of(program), stopped);
+    EXPECT_EQ(demo_service::state(), DWORD{SERVICE_STOPPED});
+    EXPECT_THAT(service_.log(), ContainsRegex("reloaded, sharing COM3 COM10; auto-discovery off\\n.* stopped\\n$"));
+
+    service_.set(L"install", L"exit_code", access_denied);
+    program.control(id::start).click();
+    EXPECT_EQ(state_of(program), running) << "installed once";
     EXPECT_EQ(program.close(), 0U);
-    EXPECT_TRUE(service.stop());
-    EXPECT_THAT(service.log(),
-                testing::ContainsRegex("reloaded, sharing COM3 COM10; auto-discovery off\\n.* stopped\\n$"));
+}
+
+TEST_F(service_test, activating_the_window_shows_what_others_have_changed)
+{
+    service_.install();
+    const utility program(service_.program());
+    EXPECT_EQ(state_of(program), stopped);
+    {
+        const support::reload_listener server;
+        EXPECT_EQ(state_after_activation(program), standalone);
+    }
+    service_.start();
+    EXPECT_EQ(state_of(program), standalone) << "nothing changes by itself";
+    EXPECT_EQ(state_after_activation(program), running);
+    demo_service::remove();
+    EXPECT_EQ(state_after_activation(program), not_installed);
+    {
+        const support::reload_listener server;
+        EXPECT_EQ(state_after_activation(program), standalone_not_installed);
+    }
+    service_.install();
+    EXPECT_EQ(state_after_activation(program), installed_by_others)
+        << "the caption is reset by an installation from here alone";
+}
+
+/// Looks for the wait dialog all the time, from a thread of its own.
+class wait_dialog_watch {
+public:
+    explicit wait_dialog_watch(DWORD process)
+        : watcher_([this, process](const std::stop_token& stop) {
+              for (const auto begin = clock::now(); !stop.stop_requested(); ::Sleep(5))
+                  if (!first_seen_ && !ui_driver::find_dialogs(wait_title, process).empty())
+                      first_seen_ = clock::now() - begin;
+          })
+    {}
+
+    /// How long after the beginning it was seen first. Ends the watch.
+    std::optional<clock::duration> first_seen()
+    {
+        watcher_.request_stop();
+        watcher_.join();
+        return first_seen_;
+    }
+
+private:
+    std::optional<clock::duration> first_seen_;
+    std::jthread watcher_;
+};
+
+TEST_F(service_test, a_slow_start_and_a_slow_stop_show_the_wait_dialog_until_they_end)
+{
+    service_.install();
+    service_.set(L"service", L"start_ms", 3000);
+    service_.set(L"service", L"stop_ms", 1500);
+    const utility program(service_.program());
+    const HWND window = program.window().handle();
+    const ui_driver::round_trips trips(window);
+    wait_dialog_watch watch(program.process_id());
+    program.control(id::start).post_click();
+    const ui_driver::dialog start = program.message(wait_title);
+    EXPECT_FALSE(::IsWindowEnabled(window));
+    EXPECT_EQ(::GetWindow(start.handle(), GW_OWNER), window);
+    ui_driver::send(window, WM_COMMAND, id::stop);
+    EXPECT_TRUE(start.exists()) << "a second command does nothing meanwhile";
+    start.wait_until_closed();
+    EXPECT_EQ(state_of(program), running);
+    const auto seen = watch.first_seen();
+    EXPECT_GE(seen, 450ms);
+    EXPECT_LE(seen, 1500ms);
+
+    const auto begin = clock::now();
+    program.control(id::stop).post_click();
+    const ui_driver::dialog stop = program.message(wait_title);
+    ui_driver::send(window, WM_ACTIVATE, WA_ACTIVE);
+    EXPECT_EQ(ui_driver::dialog(window).item(id::status).text(), running.status) << "the end is shown at the end";
+    stop.wait_until_closed();
+    EXPECT_GE(clock::now() - begin, 1500ms);
+    EXPECT_LT(clock::now() - begin, 6s) << "looked at once a second";
+    EXPECT_EQ(state_of(program), stopped);
+    EXPECT_LT(trips.longest(), hang);
+}
+
+TEST_F(service_test, a_quick_stop_shows_nothing)
+{
+    service_.install();
+    const utility program(service_.program());
+    // A service that is still on its way when it is looked at first is looked at again after a second.
+    constexpr int attempts = 10;
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        program.control(id::start).click();
+        wait_dialog_watch watch(program.process_id());
+        const auto begin = clock::now();
+        program.control(id::stop).click();
+        const bool quick = clock::now() - begin < 450ms;
+        const bool seen = watch.first_seen().has_value();
+        EXPECT_EQ(state_of(program), stopped);
+        if (quick) {
+            EXPECT_FALSE(seen);
+            return;
+        }
+    }
+    FAIL() << "no stop was quick";
+}
+
+TEST_F(service_test, escape_ends_the_waiting_and_nothing_else)
+{
+    service_.set(L"install", L"delay_ms", long_enough_ms);
+    service_.set(L"service", L"start_ms", an_hour_ms);
+    for (const shown& expected : {not_installed, stopped}) {
+        const utility program(service_.program());
+        EXPECT_EQ(state_of(program), expected);
+        program.control(id::start).post_click();
+        const ui_driver::dialog box = program.message(wait_title);
+        ::SetForegroundWindow(box.handle());
+        EXPECT_TRUE(eventually([&] { return ::GetForegroundWindow() == box.handle(); }));
+        const auto begin = clock::now();
+        ui_driver::press_key(VK_ESCAPE);
+        box.wait_until_closed();
+        EXPECT_LT(clock::now() - begin, 500ms);
+        EXPECT_EQ(state_of(program), expected);
+        EXPECT_TRUE(ui_driver::find_dialogs(error_title).empty());
+        EXPECT_EQ(program.close(), 0U);
+        if (expected == not_installed)
+            EXPECT_TRUE(!demo_service::exists() && eventually(demo_service::exists)) << "by the process that was left";
+    }
+    EXPECT_EQ(demo_service::state(), DWORD{SERVICE_START_PENDING});
+}
+
+using preparation = void (*)(const demo_service& service);
+
+struct outcome_case {
+    const char* name;
+    preparation prepare; ///< before the program is started
+    int button;
+    preparation meanwhile; ///< while the wait dialog is shown; null where there is none
+    DWORD error;           ///< what the box tells, 0: there is no box
+    shown then;
+};
+
+class service_outcome_test : public service_test, public testing::WithParamInterface<outcome_case> {};
+
+TEST_P(service_outcome_test, is_shown)
+{
+    GetParam().prepare(service_);
+    const utility program(service_.program());
+    program.control(GetParam().button).post_click();
+    if (GetParam().meanwhile) {
+        EXPECT_TRUE(program.message(wait_title).exists());
+        GetParam().meanwhile(service_);
+    }
+    if (GetParam().error != 0)
+        expect_error(program, GetParam().error);
+    EXPECT_TRUE(eventually([&] { return state_of(program) == GetParam().then; })) << state_of(program);
+    EXPECT_TRUE(ui_driver::find_dialogs(error_title, program.process_id()).empty());
+    EXPECT_EQ(program.close(), 0U);
+}
+
+void overwrite_server(const demo_service& service)
+{
+    std::ofstream(service.server(), std::ios::trunc) << "This is no program.";
+}
+
+void remove_server(const demo_service& service)
+{
+    std::filesystem::remove(service.server());
+}
+
+void delete_service(const demo_service&)
+{
+    ::DeleteService(open_demo_service().get());
+}
+
+/// Leaves what is not given as it is.
+void change_service(DWORD start_type, const wchar_t* path)
+{
+    ::ChangeServiceConfigW(open_demo_service().get(), SERVICE_NO_CHANGE, start_type, SERVICE_NO_CHANGE, path, nullptr,
+                           nullptr, nullptr, nullptr, nullptr, nullptr);
+}
+
+template <preparation Change>
+void install_and(const demo_service& service)
+{
+    service.install();
+    Change(service);
+}
+
+template <unsigned Code>
+void set_install_exit_code(const demo_service& service)
+{
+    service.set(L"install", L"exit_code", Code);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    of, service_outcome_test,
+    testing::ValuesIn(std::to_array<outcome_case>({
+        {"an_installation_with_a_positive_exit_code", set_install_exit_code<1>, id::start, nullptr, 0, running},
+        {"an_installation_with_a_failure_code", set_install_exit_code<access_denied>, id::start, nullptr, access_denied,
+         not_installed},
+        {"an_installation_without_the_server", remove_server, id::start, nullptr, ERROR_FILE_NOT_FOUND, not_installed},
+        {"an_installation_by_no_program", overwrite_server, id::start, nullptr, ERROR_BAD_EXE_FORMAT, not_installed},
+        // The program itself in the server's place finds the window and ends at once, without an error.
+        {"an_installation_that_ends_at_once_and_installs_nothing",
+         [](const demo_service& service) {
+             remove_server(service);
+             std::filesystem::copy_file(service.program(), service.server());
+         },
+         id::start, nullptr, ERROR_SERVICE_DOES_NOT_EXIST, not_installed},
+        {"a_start_of_no_program", install_and<overwrite_server>, id::start, nullptr, ERROR_BAD_EXE_FORMAT, stopped},
+        {"a_start_without_the_server", install_and<remove_server>, id::start, nullptr, ERROR_FILE_NOT_FOUND, stopped},
+        {"a_start_of_a_disabled_service",
+         install_and<[](const demo_service&) { change_service(SERVICE_DISABLED, nullptr); }>, id::start, nullptr,
+         ERROR_SERVICE_DISABLED, stopped},
+        {"a_start_of_a_server_that_ends_at_once", install_and<[](const demo_service&) {
+             change_service(SERVICE_NO_CHANGE, L"C:\\windows\\system32\\cmd.exe /c exit 0");
+         }>,
+         id::start, nullptr, ERROR_SERVICE_REQUEST_TIMEOUT, stopped},
+        {"a_start_that_stops_with_an_error", install_and<[](const demo_service& service) {
+             service.set(L"service", L"start_error", ERROR_PORT_UNREACHABLE);
+         }>,
+         id::start, nullptr, 0, stopped},
+        {"a_start_during_which_the_service_is_deleted",
+         install_and<[](const demo_service& service) { service.set(L"service", L"start_ms", long_enough_ms); }>,
+         id::start, delete_service, 0, running},
+        {"a_stop_during_which_the_service_is_deleted", install_and<[](const demo_service& service) {
+             service.set(L"service", L"stop_ms", long_enough_ms);
+             service.start();
+         }>,
+         id::stop, delete_service, 0, not_installed},
+    })),
+    support::name_of_row);
+
+using service_cycles_test = service_test;
+
+TEST_F(service_cycles_test, handles_do_not_grow_over_100_starts_and_stops)
+{
+    service_.install();
+    support::debug_monitor log;
+    const utility program(service_.program());
+    expect_no_more_handles(log, program, 100, [&] {
+        program.control(id::start).click();
+        EXPECT_EQ(demo_service::state(), DWORD{SERVICE_RUNNING});
+        program.control(id::stop).click();
+        EXPECT_EQ(demo_service::state(), DWORD{SERVICE_STOPPED});
+    });
+    EXPECT_EQ(program.close(), 0U);
+}
+
+bool manager_answers()
+{
+    return static_cast<bool>(girder::unique_service_handle(::OpenSCManagerW(nullptr, nullptr, SC_MANAGER_CONNECT)));
+}
+
+void ensure_service_manager()
+{
+    if (!manager_answers())
+        ::_wspawnl(_P_DETACH, L"C:\\windows\\system32\\services.exe", L"services.exe", nullptr);
+    ASSERT_TRUE(eventually(manager_answers));
+}
+
+void end_service_manager()
+{
+    end_processes(L"services.exe");
+    ASSERT_TRUE(eventually([] { return !manager_answers(); }));
+}
+
+/// Every test ends the service manager, and is followed by a new one.
+class service_outage_test : public service_test {
+protected:
+    void TearDown() override
+    {
+        ensure_service_manager();
+        service_test::TearDown();
+    }
+};
+
+TEST_F(service_outage_test, at_the_start_disables_both_buttons_and_is_not_reported)
+{
+    end_service_manager();
+    const utility program;
+    EXPECT_EQ(state_of(program), standalone);
+    EXPECT_TRUE(ui_driver::find_dialogs(error_title).empty());
+}
+
+TEST_F(service_outage_test, ends_a_start_silently_and_a_stop_with_an_error)
+{
+    for (const auto& [button, delay] : {std::pair(id::start, L"start_ms"), std::pair(id::stop, L"stop_ms")}) {
+        ensure_service_manager();
+        demo_service::remove();
+        service_.set(L"service", L"start_ms", 0);
+        service_.set(L"service", delay, an_hour_ms);
+        service_.install();
+        if (button == id::stop)
+            service_.start();
+        const utility program(service_.program());
+        program.control(button).post_click();
+        const ui_driver::dialog box = program.message(wait_title);
+        // The call that starts or stops the service returns soon after the service has been told; nothing shows from
+        // outside that only the polling of its state is left.
+        std::this_thread::sleep_for(1500ms);
+        end_service_manager();
+        box.wait_until_closed();
+        if (button == id::stop)
+            expect_error(program, RPC_S_SERVER_UNAVAILABLE);
+        EXPECT_EQ(state_of(program), standalone);
+        EXPECT_TRUE(ui_driver::find_dialogs(error_title).empty());
+    }
 }
 
 } // namespace

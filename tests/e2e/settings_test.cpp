@@ -1,0 +1,290 @@
+// What stands in the settings key, what the window shows of it, and what it stores there.
+
+#include "base/handles.h"
+#include "base/utf.h"
+#include "fixture.h"
+#include "support/cases.h"
+#include "support/generated_key.h"
+
+#include <windows.h>
+
+#include <sddl.h>
+
+#include <array>
+
+namespace {
+
+using namespace e2e;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Pair;
+using ui_driver::list_row;
+
+constexpr wchar_t key_path[] = L"Software\\Zelmark\\Tidelink Server 7.01";
+
+class settings_test : public machine_test {
+protected:
+    support::reload_listener server_;
+};
+
+TEST_F(settings_test, sharing_one_port_reaches_the_registry_and_the_server_and_is_shown_again)
+{
+    const utility first;
+    EXPECT_THAT(first.list().rows(),
+                ElementsAre(list_row{u"Communications Port (COM1)", 1, true},
+                            list_row{u"USB Serial Port (COM3)", 3, true}, list_row{u"USB Serial Port (COM7)", 7, true},
+                            list_row{u"USB Serial Port (COM10)", 10, true}));
+    EXPECT_TRUE(first.control(id::share_all).checked());
+    EXPECT_FALSE(first.control(id::port_list).enabled());
+    EXPECT_TRUE(first.control(id::auto_discovery).checked());
+    EXPECT_FALSE(first.apply_enabled());
+
+    first.control(id::share_selected).click();
+    EXPECT_TRUE(first.control(id::port_list).enabled());
+    first.check_ports({3});
+    EXPECT_TRUE(first.apply_enabled());
+    EXPECT_THAT(settings_key::read(), IsEmpty()) << "nothing is written before Apply";
+
+    first.control(id::apply).click();
+    EXPECT_THAT(settings_key::read(), ElementsAre(Pair(u"sharedPorts", binary({3, 0, 0, 0}))));
+    EXPECT_TRUE(heard(server_, 1));
+    EXPECT_FALSE(first.apply_enabled());
+    EXPECT_EQ(first.close(), 0U);
+
+    const utility second;
+    EXPECT_TRUE(second.control(id::share_selected).checked());
+    EXPECT_TRUE(second.control(id::port_list).enabled());
+    EXPECT_THAT(second.checked_ports(), ElementsAre(3));
+    EXPECT_FALSE(second.apply_enabled());
+    second.control(id::ok).post_click();
+    EXPECT_EQ(second.exit_code(), 0U);
+    EXPECT_TRUE(heard(server_, 1)) << "OK without a change writes nothing";
+}
+
+struct change_case {
+    const char* name;
+    void (*prepare)();
+    void (*change)(const utility& program);
+    int button;
+    stored_values stored;           ///< then
+    std::vector<int> checked_ports; ///< when it is opened again
+};
+
+class change_test : public settings_test, public testing::WithParamInterface<change_case> {};
+
+TEST_P(change_test, is_stored_as_a_whole_or_not_at_all)
+{
+    GetParam().prepare();
+    const stored_values before = settings_key::read();
+    const utility program;
+    EXPECT_FALSE(program.apply_enabled());
+    GetParam().change(program);
+    EXPECT_TRUE(program.apply_enabled());
+    EXPECT_EQ(settings_key::read(), before);
+    program.control(GetParam().button).post_click();
+    EXPECT_EQ(program.exit_code(), 0U);
+    EXPECT_EQ(settings_key::read(), GetParam().stored);
+    EXPECT_TRUE(heard(server_, GetParam().button == id::ok ? 1 : 0));
+    const utility again;
+    EXPECT_EQ(again.checked_ports(), GetParam().checked_ports);
+    EXPECT_EQ(again.control(id::share_all).checked(), !GetParam().stored.contains(u"sharedPorts"));
+}
+
+void store_port_7()
+{
+    settings_key::write(u"sharedPorts", ports({7}));
+}
+
+INSTANTIATE_TEST_SUITE_P(of, change_test,
+                         testing::ValuesIn(std::to_array<change_case>({
+                             {"several_settings",
+                              [] {},
+                              [](const utility& program) {
+                                  program.control(id::auto_discovery).click();
+                                  program.control(id::share_selected).click();
+                                  program.check_ports({7, 10});
+                              },
+                              id::ok,
+                              {{u"autoDiscovery", number(0)}, {u"sharedPorts", ports({7, 10})}},
+                              {7, 10}},
+                             {"the_share_mode_alone_which_keeps_the_check_marks",
+                              store_port_7,
+                              [](const utility& program) {
+                                  program.control(id::share_all).click();
+                                  EXPECT_FALSE(program.control(id::port_list).enabled());
+                              },
+                              id::ok,
+                              {{u"sharedPorts", ports({7})}},
+                              {7}},
+                             {"the_last_check_mark_which_shares_all_ports",
+                              store_port_7,
+                              [](const utility& program) { program.check_ports({}); },
+                              id::ok,
+                              {},
+                              {1, 3, 7, 10}},
+                             {"a_setting_back_to_its_default_among_values_of_others",
+                              [] {
+                                  settings_key::write(u"autoDiscovery", number(0));
+                                  settings_key::write(u"left by another program", text(u"x"));
+                              },
+                              [](const utility& program) { program.control(id::auto_discovery).click(); },
+                              id::ok,
+                              {{u"sharedPorts", ports({1, 3, 7, 10})}},
+                              {1, 3, 7, 10}},
+                             {"the_share_mode_without_any_port",
+                              device_database::remove_port_devices,
+                              [](const utility& program) { program.control(id::share_selected).click(); },
+                              id::ok,
+                              {},
+                              {}},
+                             {"a_check_mark_that_is_cancelled",
+                              store_port_7,
+                              [](const utility& program) {
+                                  program.list().click_text(1);
+                                  EXPECT_FALSE(program.apply_enabled()) << "a selection is no change";
+                                  program.list().toggle(1);
+                              },
+                              id::cancel,
+                              {{u"sharedPorts", ports({7})}},
+                              {7}},
+                         })),
+                         support::name_of_row);
+
+TEST_F(settings_test, dropping_stored_ports_that_are_not_present_is_asked_first)
+{
+    const stored_value stored = ports({3, 7, 12});
+    settings_key::write(u"sharedPorts", stored);
+    device_database::remove_port_device(u"COM7");
+    const utility program;
+    EXPECT_THAT(program.checked_ports(), ElementsAre(3));
+    const auto answer = [&](const char* question, int button) {
+        const ui_driver::dialog box = program.message(question_title);
+        EXPECT_THAT(utility::text_of(box), HasSubstr(question));
+        utility::answer(box, button);
+    };
+    program.check_ports({});
+    program.control(id::ok).post_click();
+    answer("all ports will be shared: COM7, COM12.", id::no);
+    EXPECT_TRUE(program.apply_enabled());
+    EXPECT_THAT(settings_key::read(), ElementsAre(Pair(u"sharedPorts", stored)));
+    EXPECT_TRUE(heard(server_, 0));
+
+    program.check_ports({1});
+    const HWND check_box = program.control(id::auto_discovery).handle();
+    program.control(id::apply).post_click();
+    program.message(question_title);
+    ui_driver::send(check_box, BM_SETCHECK, BST_UNCHECKED);
+    answer("COM7, COM12", id::yes);
+    answer("COM7, COM12", id::yes); // again, as another program has changed what would be stored
+    EXPECT_TRUE(heard(server_, 1));
+    EXPECT_THAT(settings_key::read(), ElementsAre(Pair(u"autoDiscovery", number(0)), Pair(u"sharedPorts", ports({1}))));
+
+    program.check_ports({3});
+    program.control(id::apply).click();
+    EXPECT_TRUE(heard(server_, 2)) << "asked once only";
+}
+
+TEST_F(settings_test, what_cannot_be_read_is_named_at_the_start_and_replaced_only_when_that_is_agreed_to)
+{
+    settings_key::write(u"autoDiscovery", number(0));
+    settings_key::write(u"sharedPorts", binary({3, 0, 0, 0, 1}));
+    settings_key::write(u"language", number(7));
+    const stored_values before = settings_key::read();
+    const utility program;
+    const ui_driver::dialog box = program.message(error_title);
+    EXPECT_THAT(utility::text_of(box), AllOf(HasSubstr("sharedPorts"), HasSubstr("language")));
+    EXPECT_THAT(utility::text_of(box), Not(HasSubstr("autoDiscovery")));
+    utility::answer(box, id::ok);
+    EXPECT_FALSE(program.control(id::auto_discovery).checked());
+    EXPECT_TRUE(program.control(id::share_all).checked());
+
+    program.check_ports({3});
+    program.control(id::apply).post_click();
+    const ui_driver::dialog question = program.message(question_title);
+    EXPECT_THAT(utility::text_of(question), AllOf(HasSubstr("sharedPorts"), HasSubstr("language")));
+    utility::answer(question, id::no);
+    EXPECT_EQ(settings_key::read(), before);
+    EXPECT_TRUE(heard(server_, 0));
+    EXPECT_TRUE(program.apply_enabled());
+
+    program.control(id::apply).post_click();
+    utility::answer(program.message(question_title), id::yes);
+    EXPECT_TRUE(heard(server_, 1));
+    EXPECT_THAT(settings_key::read(), ElementsAre(Pair(u"autoDiscovery", number(0)), Pair(u"sharedPorts", ports({3}))));
+
+    program.control(id::auto_discovery).click();
+    program.control(id::apply).click();
+    EXPECT_TRUE(heard(server_, 2)) << "asked at the first Apply only";
+}
+
+using generated_settings_test = machine_test;
+
+TEST_F(generated_settings_test, the_program_starts_names_what_it_could_not_read_and_writes_nothing)
+{
+    for (unsigned seed = 20'001; seed <= 20'050; ++seed) {
+        SCOPED_TRACE(seed);
+        support::generated_key key(seed, true);
+        key.store(key_path);
+        const stored_values before = settings_key::read();
+        const utility program;
+        if (!key.unreadable().empty()) {
+            const ui_driver::dialog box = program.message(error_title);
+            for (const std::u16string& name : key.unreadable())
+                EXPECT_THAT(utility::text_of(box), HasSubstr(girder::to_utf8(name)));
+            utility::answer(box, id::ok);
+        }
+        EXPECT_FALSE(program.apply_enabled());
+        ASSERT_EQ(program.close(), 0U);
+        ASSERT_EQ(settings_key::read(), before);
+    }
+}
+
+/// Port 7 is stored in a key with an access list of its own.
+class restricted_key_test : public machine_test {
+protected:
+    void SetUp() override
+    {
+        machine_test::SetUp();
+        settings_key::write(u"sharedPorts", ports({7}));
+        ::RegOpenKeyExW(HKEY_LOCAL_MACHINE, key_path, 0, KEY_ALL_ACCESS, key_.put());
+    }
+    void TearDown() override
+    {
+        protect(L"D:P(A;;GA;;;WD)");
+        EXPECT_THAT(settings_key::read(), Contains(Pair(u"sharedPorts", ports({7}))));
+        machine_test::TearDown();
+    }
+
+    void protect(const wchar_t* descriptor)
+    {
+        girder::unique_local_memory binary;
+        ASSERT_TRUE(
+            ::ConvertStringSecurityDescriptorToSecurityDescriptorW(descriptor, SDDL_REVISION_1, binary.put(), nullptr));
+        ASSERT_EQ(::RegSetKeySecurity(key_.get(), DACL_SECURITY_INFORMATION, binary.get()), ERROR_SUCCESS);
+    }
+
+private:
+    girder::unique_registry_key key_;
+};
+
+// Wine lets anyone delete a key that may only be read, so that a save of it cannot be seen to fail here.
+TEST_F(restricted_key_test, is_shown_where_it_may_be_read_else_reported_and_left_alone)
+{
+    protect(L"D:P(A;;KR;;;WD)");
+    {
+        const utility program;
+        EXPECT_THAT(program.checked_ports(), ElementsAre(7));
+        EXPECT_EQ(program.close(), 0U);
+    }
+    protect(L"D:P(D;;GA;;;WD)");
+    const utility program;
+    const ui_driver::dialog box = program.message(error_title);
+    EXPECT_THAT(utility::text_of(box), HasSubstr("(0x00000005)"));
+    utility::answer(box, id::ok);
+    EXPECT_TRUE(program.control(id::share_all).checked());
+    EXPECT_EQ(program.close(), 0U);
+}
+
+} // namespace
