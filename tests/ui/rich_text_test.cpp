@@ -1,15 +1,9 @@
-#include "support/cases.h"
 #include "ui/rich_text.h"
 
 #include <gtest/gtest.h>
 
-#include <array>
-#include <ostream>
-
 namespace girder::ui {
 namespace {
-
-using support::name_of_row;
 
 /// The runs in a form to read: each text behind its looks, in braces.
 std::u16string described(const rich_text& text)
@@ -29,27 +23,13 @@ std::u16string described(const rich_text& text)
     return all;
 }
 
-struct markup_case {
-    const char* name;
-    std::u16string_view markup;
-    std::u16string_view expected;
-};
-
-std::ostream& operator<<(std::ostream& out, const markup_case& row)
+TEST(parse_markup_test, reads)
 {
-    return out << row.name;
-}
-
-class parse_markup_test : public testing::TestWithParam<markup_case> {};
-
-TEST_P(parse_markup_test, reads)
-{
-    EXPECT_EQ(described(parse_markup(GetParam().markup)), GetParam().expected);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    rule, parse_markup_test,
-    testing::ValuesIn(std::to_array<markup_case>({
+    const struct {
+        const char* name;
+        std::u16string_view markup;
+        std::u16string_view expected;
+    } cases[] = {
         {"nothing", u"", u""},
         {"plain", u"a [b] [[c]]", u"{a [b] [[c]]}"},
         {"nested", u"[[[b[[[s:120:Name]]]]]]\nVersion", u"{b 120 Name}{\nVersion}"},
@@ -78,8 +58,10 @@ INSTANTIATE_TEST_SUITE_P(
          u"{[[[s:12][[[s::a[[[s:00120:b[[[s:99999999999:}"},
         {"ends_in_a_mark", u"[[[", u"{[[[}"},
         {"line_ends", u"a\r\nb\n", u"{a\nb\n}"},
-    })),
-    name_of_row);
+    };
+    for (const auto& [name, markup, expected] : cases)
+        EXPECT_EQ(described(parse_markup(markup)), expected) << name;
+}
 
 TEST(escaped_markup_test, shows_any_text_whatever_stands_around_it)
 {
@@ -95,10 +77,6 @@ TEST(link_markup_test, shows_any_text_and_lets_no_address_become_text)
               u"{x}{<https://a> ]]] [[[bb|c}{y}");
     for (const std::u16string_view address : {u"http://a", u"https://a|[[[bb", u"https://a]]]b", u"https://[1]"})
         EXPECT_EQ(link_markup(address, u"text"), u"");
-}
-
-TEST(rich_text_test, text_of_a_link_is_put_together)
-{
     EXPECT_EQ(parse_markup(u"x[[[hhttps://a|one [[[btwo]]]]]]y").link_text(0), u"one two");
 }
 

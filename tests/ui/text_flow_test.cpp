@@ -1,15 +1,9 @@
-#include "support/cases.h"
 #include "ui/text_flow.h"
 
 #include <gtest/gtest.h>
 
-#include <array>
-#include <ostream>
-
 namespace girder::ui {
 namespace {
-
-using support::name_of_row;
 
 /// Every character is 10 pixels wide, 8 above the base line and 2 below it; in percent of that.
 piece_extent grid(std::u16string_view text, const text_style& style)
@@ -30,45 +24,34 @@ std::string described(const rich_text& text, const text_flow& flow)
     return all;
 }
 
-struct flow_case {
-    const char* name;
-    std::u16string_view markup;
-    int width;
-    std::string_view pieces;
-    extent size;
-};
-
-std::ostream& operator<<(std::ostream& out, const flow_case& row)
+TEST(text_flow_test, breaks)
 {
-    return out << row.name;
+    const struct {
+        const char* name;
+        std::u16string_view markup;
+        int width;
+        std::string_view pieces;
+        extent size;
+    } cases[] = {
+        {"empty", u"", 50, "", {0, 10}},
+        {"one_line", u"ab cd", 50, "ab @0,0 cd@30,0 ", {50, 10}},
+        {"behind_blanks", u"ab  cd", 40, "ab  @0,0 cd@0,10 ", {20, 20}},
+        {"blanks_may_hang_over", u"abc  d", 30, "abc  @0,0 d@0,10 ", {30, 20}},
+        {"line_feeds", u"a\n\nb\n", 50, "a@0,0 b@0,20 ", {10, 40}},
+        {"long_word", u"a bcdefg h", 30, "a @0,0 bcd@0,10 efg @0,20 h@0,30 ", {30, 40}},
+        {"narrower_than_a_character", u"ab", 5, "a@0,0 b@0,10 ", {10, 20}},
+        {"surrogates_stay_together", u"\U0001F600\U0001F600", 5, "??@0,0 ??@0,10 ", {20, 20}},
+        {"between_ideographs", u"\u6B21\u306E\u30DD", 20, "?@0,0 ?@10,0 ?@0,10 ", {20, 20}},
+        {"common_base_line", u"a [[[s:200:B]]]", 90, "a @0,8 B@20,0 ", {40, 20}},
+        {"empty_line_of_its_size", u"[[[s:200:\n]]]a", 90, "a@0,20 ", {10, 30}},
+    };
+    for (const auto& [name, markup, width, pieces, size] : cases) {
+        const rich_text text = parse_markup(markup);
+        const text_flow flow = flow_text(text, width, grid);
+        EXPECT_EQ(described(text, flow), pieces) << name;
+        EXPECT_EQ(flow.size, size) << name;
+    }
 }
-
-class text_flow_test : public testing::TestWithParam<flow_case> {};
-
-TEST_P(text_flow_test, breaks)
-{
-    const rich_text text = parse_markup(GetParam().markup);
-    const text_flow flow = flow_text(text, GetParam().width, grid);
-    EXPECT_EQ(described(text, flow), GetParam().pieces);
-    EXPECT_EQ(flow.size.width, GetParam().size.width);
-    EXPECT_EQ(flow.size.height, GetParam().size.height);
-}
-
-INSTANTIATE_TEST_SUITE_P(rule, text_flow_test,
-                         testing::ValuesIn(std::to_array<flow_case>({
-                             {"empty", u"", 50, "", {0, 10}},
-                             {"one_line", u"ab cd", 50, "ab @0,0 cd@30,0 ", {50, 10}},
-                             {"behind_blanks", u"ab  cd", 40, "ab  @0,0 cd@0,10 ", {20, 20}},
-                             {"blanks_may_hang_over", u"abc  d", 30, "abc  @0,0 d@0,10 ", {30, 20}},
-                             {"line_feeds", u"a\n\nb\n", 50, "a@0,0 b@0,20 ", {10, 40}},
-                             {"long_word", u"a bcdefg h", 30, "a @0,0 bcd@0,10 efg @0,20 h@0,30 ", {30, 40}},
-                             {"narrower_than_a_character", u"ab", 5, "a@0,0 b@0,10 ", {10, 20}},
-                             {"surrogates_stay_together", u"\U0001F600\U0001F600", 5, "??@0,0 ??@0,10 ", {20, 20}},
-                             {"between_ideographs", u"\u6B21\u306E\u30DD", 20, "?@0,0 ?@10,0 ?@0,10 ", {20, 20}},
-                             {"common_base_line", u"a [[[s:200:B]]]", 90, "a @0,8 B@20,0 ", {40, 20}},
-                             {"empty_line_of_its_size", u"[[[s:200:\n]]]a", 90, "a@0,20 ", {10, 30}},
-                         })),
-                         name_of_row);
 
 } // namespace
 } // namespace girder::ui
