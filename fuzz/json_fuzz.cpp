@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace {
 
@@ -55,6 +56,19 @@ void check_number(const reader& value)
     reads([&] { require(static_cast<double>(value.as_signed()) == *real); });
 }
 
+/// Whoever expects the members in reverse gets the same ones.
+void check_names(const nsm::value_reader& object)
+{
+    std::vector<std::string> names;
+    object.visit_members([&](nsm::value_name name, const nsm::value_reader&) { names.emplace_back(name.text); });
+    const std::vector<std::string_view> expected(names.rbegin(), names.rend());
+    auto next = names.begin();
+    object.visit_named(expected, [&](std::size_t index, const nsm::value_reader&) {
+        require(next != names.end() && expected[index] == *next++);
+    });
+    require(next == names.end());
+}
+
 void copy(const nsm::value_reader& value, nsm::value_name name, writer& out)
 {
     const auto& source = dynamic_cast<const reader&>(value);
@@ -62,6 +76,7 @@ void copy(const nsm::value_reader& value, nsm::value_name name, writer& out)
     if (kinds == 0) {
         out.write_null(name);
     } else if ((kinds & json::object_kind) != 0) {
+        check_names(value);
         out.begin_structure(name, 0);
         value.visit_members(
             [&out](nsm::value_name member, const nsm::value_reader& inner) { copy(inner, member, out); });

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "serialisation/absent_value.h"
-#include "serialisation/field_matcher.h"
 #include "serialisation/field_values.h"
 #include "serialisation/load_exception.h"
 #include "serialisation/visitor.h"
@@ -68,6 +67,21 @@ void write_changed(const Table& table, const Record& record, const Record& defau
 /// Called for a field that cannot be read.
 using field_failure = std::function<void(std::string_view name, const details::load_exception& error)>;
 
+namespace details {
+
+template <typename Table, typename Record>
+void read_field(const Table& table, std::size_t wanted, const value_reader& value, Record& record)
+{
+    const auto read = [&](const auto& row) {
+        read_value(value, record.*row.member);
+        return true;
+    };
+    std::size_t index = 0;
+    std::apply([&](const auto&... row) { return ((index++ == wanted && read(row)) || ...); }, table.fields);
+}
+
+} // namespace details
+
 /// Fills the record with the members of an object. Fields that the object lacks keep their values; unknown members are
 /// ignored.
 /// \param on_failure  takes the error of a single field, which then keeps its value, and the others are read all the
@@ -76,88 +90,16 @@ using field_failure = std::function<void(std::string_view name, const details::l
 template <typename Table, typename Record>
 void read_record(const Table& table, const value_reader& object, Record& record, const field_failure& on_failure = {})
 {
-    const bool name_order = (object.capabilities() & members_in_name_order) != 0;
-    field_matcher matcher(table.names, name_order ? field_matcher::expected_order::name
-                                                  : field_matcher::expected_order::declaration);
-    object.visit_members([&](value_name name, const value_reader& value) {
-        const std::optional<std::size_t> matched = matcher.match(name.text);
-        if (!matched || name.suffix() != 0)
-            return;
+    object.visit_named(table.names, [&](std::size_t index, const value_reader& value) {
         try {
-            std::size_t index = 0;
-            for_each_field(table, [&](const auto& row) {
-                if (index++ == *matched)
-                    read_value(value, record.*row.member);
-            });
+            details::read_field(table, index, value, record);
         } catch (const details::load_exception& error) {
             if (!on_failure)
                 throw;
-            on_failure(name.text, error);
+            on_failure(table.names[index], error);
         }
     });
 }
-
-namespace details {
-
-/// What read_complete_record() knows while the members come in.
-template <typename Table, typename Record>
-class complete_reading {
-public:
-    static constexpr std::size_t field_count = std::tuple_size_v<decltype(Table::fields)>;
-
-    complete_reading(const Table& table, Record& record) noexcept : table_(table), record_(record) {}
-
-    void take(const value_name& name, const value_reader& value)
-    {
-        const std::size_t index = index_of(name);
-        if (index == field_count || seen_[index])
-            return;
-        seen_[index] = true;
-        expected_ = index + 1;
-        read_field(index, value);
-    }
-
-    void read_missing()
-    {
-        for (std::size_t index = 0; index < field_count; ++index)
-            if (!seen_[index])
-                read_field(index, absent_value());
-    }
-
-private:
-    /// The next field in declaration order is tried first; field_count when there is none of that name.
-    std::size_t index_of(const value_name& name) const noexcept
-    {
-        if (expected_ < field_count && table_.names[expected_] == name.text)
-            return name.suffix() == 0 ? expected_ : field_count;
-        for (std::size_t index = 0; index < field_count; ++index)
-            if (begin_alike(table_.names[index], name.text) && table_.names[index] == name.text)
-                return name.suffix() == 0 ? index : field_count;
-        return field_count;
-    }
-
-    /// Most other names differ in their first characters, which costs no call.
-    static bool begin_alike(std::string_view one, std::string_view other) noexcept
-    {
-        return one.size() == other.size() && !one.empty() && one.front() == other.front();
-    }
-
-    void read_field(std::size_t wanted, const value_reader& value)
-    {
-        std::size_t index = 0;
-        for_each_field(table_, [&](const auto& row) {
-            if (index++ == wanted)
-                read_value(value, record_.*row.member);
-        });
-    }
-
-    const Table& table_;
-    Record& record_;
-    std::array<bool, field_count> seen_{};
-    std::size_t expected_ = 0;
-};
-
-} // namespace details
 
 /// Fills the record with the members of an object that is written as a whole: a field that the object lacks is read
 /// from a null, which a std::optional accepts and any other kind of field refuses. Of members with the same name the
@@ -166,9 +108,16 @@ private:
 template <typename Table, typename Record>
 void read_complete_record(const Table& table, const value_reader& object, Record& record)
 {
-    details::complete_reading reading(table, record);
-    object.visit_members([&reading](value_name name, const value_reader& value) { reading.take(name, value); });
-    reading.read_missing();
+    constexpr std::size_t field_count = std::tuple_size_v<decltype(Table::fields)>;
+    std::array<bool, field_count> seen{};
+    const auto take = [&](std::size_t index, const value_reader& value) {
+        if (!std::exchange(seen[index], true))
+            details::read_field(table, index, value, record);
+    };
+    object.visit_named(table.names, std::ref(take)); // a copy would be made on the heap for every object
+    for (std::size_t index = 0; index < field_count; ++index)
+        if (!seen[index])
+            details::read_field(table, index, absent_value(), record);
 }
 
 } // namespace girder::nsm

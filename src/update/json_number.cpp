@@ -16,26 +16,30 @@ constexpr bool is_digit(char unit)
     return unit >= '0' && unit <= '9';
 }
 
-/// Takes the digits off the front. \return whether there were any
-bool take_digits(std::string_view& text) noexcept
+/// \return behind the digits that begin there
+const char* after_digits(const char* at, const char* end) noexcept
 {
-    const auto* const end = std::ranges::find_if_not(text, is_digit);
-    const auto count = static_cast<std::size_t>(end - text.begin());
-    text.remove_prefix(count);
-    return count > 0;
+    while (at != end && is_digit(*at))
+        ++at;
+    return at;
 }
 
-bool take(std::string_view& text, char unit) noexcept
+/// \return behind the word in any case, or nullptr when another text begins there
+const char* after_word(const char* at, const char* end, std::string_view lower) noexcept
 {
-    if (text.empty() || (text.front() | 0x20) != (unit | 0x20))
-        return false;
-    text.remove_prefix(1);
-    return true;
+    const std::string_view text = std::string_view(at, end).substr(0, lower.size());
+    const bool equal = std::ranges::equal(text, lower, {}, [](char unit) { return static_cast<char>(unit | 0x20); });
+    return equal ? at + lower.size() : nullptr;
 }
 
-bool equals_in_any_case(std::string_view text, std::string_view lower) noexcept
+/// \return behind the power of ten that begins there, with at least one digit, or nullptr
+const char* after_exponent(const char* at, const char* end) noexcept
 {
-    return std::ranges::equal(text, lower, {}, [](char unit) { return static_cast<char>(unit | 0x20); });
+    ++at;
+    if (at != end && (*at == '+' || *at == '-'))
+        ++at;
+    const char* const after = after_digits(at, end);
+    return after != at ? after : nullptr;
 }
 
 template <typename Value, typename Parser>
@@ -51,23 +55,23 @@ std::optional<Value> parse_whole(std::string_view text, const Parser& parser)
 
 } // namespace
 
-bool is_number(std::string_view text) noexcept
+const char* after_number(const char* at, const char* end) noexcept
 {
-    if (!text.empty() && text.front() == '-')
-        text.remove_prefix(1);
-    if (equals_in_any_case(text, "nan") || equals_in_any_case(text, "inf") || equals_in_any_case(text, "infinity"))
-        return true;
-    bool digits = take_digits(text);
-    if (!text.empty() && text.front() == '.') {
-        text.remove_prefix(1);
-        digits = take_digits(text) || digits;
+    if (at != end && *at == '-')
+        ++at;
+    const char* after = after_digits(at, end);
+    std::ptrdiff_t digits = after - at;
+    if (after != end && *after == '.') {
+        const char* const fraction = after + 1;
+        after = after_digits(fraction, end);
+        digits += after - fraction;
     }
-    if (digits && take(text, 'e')) {
-        if (!text.empty() && (text.front() == '+' || text.front() == '-'))
-            text.remove_prefix(1);
-        digits = take_digits(text);
-    }
-    return digits && text.empty();
+    if (digits > 0)
+        return after != end && (*after | 0x20) == 'e' ? after_exponent(after, end) : after;
+    for (const std::string_view word : {"infinity", "inf", "nan"})
+        if (const char* const behind = after_word(at, end, word))
+            return behind;
+    return nullptr;
 }
 
 template <>
@@ -80,6 +84,14 @@ template <>
 std::optional<std::int64_t> parse_integer(std::string_view text)
 {
     return parse_whole<std::int64_t>(text, x3::int_parser<std::int64_t>());
+}
+
+std::optional<std::uint64_t> take_integer(const char*& at, const char* end)
+{
+    std::uint64_t value = 0;
+    if (!x3::parse(at, end, x3::uint_parser<std::uint64_t>(), value))
+        return std::nullopt;
+    return value;
 }
 
 std::optional<std::uint64_t> parse_hexadecimal(std::string_view digits)

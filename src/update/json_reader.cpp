@@ -35,6 +35,17 @@ constexpr bool is_space_or_comma(char unit)
     return unit == ',' || is_space(unit);
 }
 
+// Brackets and braces differ in one bit.
+constexpr bool is_opening(char unit)
+{
+    return (unit | 0x20) == '{';
+}
+
+constexpr bool is_closing(char unit)
+{
+    return (unit | 0x20) == '}';
+}
+
 constexpr bool is_digit(char unit)
 {
     return unit >= '0' && unit <= '9';
@@ -61,9 +72,33 @@ struct reader::text_token {
     const char* after() const noexcept { return raw.data() + raw.size() + 1; }
 };
 
-struct reader::member {
-    text_token name;
-    const char* value;
+/// Finds names by looking for them where one begins, which is quicker than to look for its end.
+struct reader::expected_names {
+    std::span<const std::string_view> names;
+    std::size_t next = 0; ///< index of the most likely one
+
+    bool next_is_at(const char* at, const char* end) const noexcept
+    {
+        return next < names.size() && is_at(at, end, names[next]);
+    }
+
+    /// \return names.size() for another name, or one that has escapes
+    std::size_t index_of(const char* at, const char* end) const noexcept
+    {
+        const auto found = std::ranges::find_if(names, [&](std::string_view name) { return is_at(at, end, name); });
+        return static_cast<std::size_t>(found - names.begin());
+    }
+
+    /// With its quotes.
+    static std::size_t written_size(std::string_view name) noexcept { return name.size() + 2; }
+
+private:
+    static bool is_at(const char* at, const char* end, std::string_view name) noexcept
+    {
+        const std::string_view rest(at, end);
+        return rest.size() >= written_size(name) && rest[name.size() + 1] == '"' && rest.front() == '"' &&
+               rest.substr(1, name.size()) == name;
+    }
 };
 
 reader::reader(std::string_view text) noexcept : reader(text.data(), text.data() + text.size(), 0, text.data())
@@ -96,7 +131,7 @@ const char* reader::next_token(const char* at) const noexcept
 
 bool reader::closes(const char* at) const noexcept
 {
-    return at == end_ || *at == '}' || *at == ']';
+    return at == end_ || is_closing(*at);
 }
 
 std::uint32_t reader::kinds() const
@@ -160,17 +195,10 @@ const char* reader::after_word(const char* at, std::string_view word) const
 
 std::string_view reader::number_at(const char* at) const
 {
-    const char* after_digits = at;
-    while (after_digits != end_ && is_digit(*after_digits))
-        ++after_digits;
-    const char* after = after_digits;
-    while (after != end_ && is_in_number(*after))
-        ++after;
-    const std::string_view number(at, after);
-    const bool is_whole = after_digits != at && number.end() == after_digits;
-    if (!is_whole && (!begins_number(*at) || !is_number(number)))
+    const char* const after = begins_number(*at) ? after_number(at, end_) : nullptr;
+    if (!after || (after != end_ && is_in_number(*after)))
         refuse(at);
-    return number;
+    return {at, after};
 }
 
 const char* reader::after_scalar(const char* at) const
@@ -191,21 +219,23 @@ const char* reader::after_scalar(const char* at) const
     }
 }
 
-inline reader::member reader::member_at(const char* at) const
+inline reader::text_token reader::name_at(const char* at) const
 {
     if (*at != '"')
         refuse(at);
-    // The name is made where it is used: a copy would wait for its single bytes to be stored.
-    member found{.name = scan_text(at), .value = nullptr};
-    at = found.name.after();
+    return scan_text(at);
+}
+
+inline const char* reader::value_behind_name(const char* at) const
+{
     while (at != end_ && is_space(*at))
         ++at;
     if (at == end_ || *at != ':')
         refuse(at);
-    found.value = next_token(at + 1);
-    if (closes(found.value))
-        refuse(found.value);
-    return found;
+    const char* const value = next_token(at + 1);
+    if (closes(value))
+        refuse(value);
+    return value;
 }
 
 void reader::check_depth(const char* at, unsigned depth) const
@@ -226,7 +256,7 @@ const char* reader::after_unread_value() const
             ++at;
             --open;
             objects >>= 1;
-        } else if (*at == '{' || *at == '[') {
+        } else if (is_opening(*at)) {
             check_depth(at, depth_ + open);
             ++open;
             objects = objects << 1 | (*at == '{' ? 1 : 0);
@@ -238,7 +268,7 @@ const char* reader::after_unread_value() const
             return at;
         at = next_token(at);
         if ((objects & 1) != 0 && !closes(at))
-            at = member_at(at).value;
+            at = value_behind_name(name_at(at).after());
     }
 }
 
@@ -251,22 +281,51 @@ void reader::expect_end() const
         refuse(rest);
 }
 
-void reader::visit_members(const member_visitor& visit) const
+template <typename ReadInto>
+void reader::for_each_inside(const ReadInto& read_into) const
 {
-    require(object_kind, nsm::details::object_expected);
     check_depth(at_, depth_);
     reader value(text_, end_, depth_ + 1, at_);
     const char* at = next_token(at_ + 1);
     while (!closes(at)) {
-        const member found = member_at(at);
-        value.read_at(found.value);
-        if (found.name.escaped)
-            visit(std::string_view(to_utf8(resolved(found.name))), value);
-        else
-            visit(found.name.raw, value);
+        read_into(value, at);
         at = next_token(value.after_value());
     }
     after_ = at == end_ ? at : at + 1;
+}
+
+void reader::visit_members(const member_visitor& visit) const
+{
+    require(object_kind, nsm::details::object_expected);
+    for_each_inside([&](reader& value, const char* at) {
+        const text_token name = name_at(at);
+        value.read_at(value_behind_name(name.after()));
+        if (name.escaped)
+            visit(std::string_view(to_utf8(resolved(name))), value);
+        else
+            visit(name.raw, value);
+    });
+}
+
+void reader::visit_named(std::span<const std::string_view> names, const named_visitor& visit) const
+{
+    require(object_kind, nsm::details::object_expected);
+    expected_names expected{names};
+    for_each_inside([&](reader& value, const char* at) {
+        std::size_t index = expected.next_is_at(at, end_) ? expected.next : expected.index_of(at, end_);
+        if (index != names.size()) {
+            value.read_at(value_behind_name(at + expected_names::written_size(names[index])));
+        } else {
+            const text_token other = name_at(at);
+            value.read_at(value_behind_name(other.after()));
+            if (other.escaped)
+                index = static_cast<std::size_t>(std::ranges::find(names, to_utf8(resolved(other))) - names.begin());
+        }
+        if (index != names.size()) {
+            expected.next = index + 1;
+            visit(index, value);
+        }
+    });
 }
 
 reader reader::find(std::string_view name) const
@@ -275,11 +334,12 @@ reader reader::find(std::string_view name) const
     check_depth(at_, depth_);
     const char* at = next_token(at_ + 1);
     while (!closes(at)) {
-        const member found = member_at(at);
-        const bool wanted = found.name.escaped ? to_utf8(resolved(found.name)) == name : found.name.raw == name;
+        const text_token other = name_at(at);
+        const char* const value = value_behind_name(other.after());
+        const bool wanted = other.escaped ? to_utf8(resolved(other)) == name : other.raw == name;
         if (wanted)
-            return {text_, end_, depth_ + 1, found.value};
-        at = next_token(reader(text_, end_, depth_ + 1, found.value).after_value());
+            return {text_, end_, depth_ + 1, value};
+        at = next_token(reader(text_, end_, depth_ + 1, value).after_value());
     }
     return {text_, end_, depth_ + 1, at};
 }
@@ -288,15 +348,10 @@ void reader::visit_elements(const element_visitor& visit) const
 {
     if (kinds() != array_kinds)
         throw load_exception(nsm::details::array_expected);
-    check_depth(at_, depth_);
-    reader value(text_, end_, depth_ + 1, at_);
-    const char* at = next_token(at_ + 1);
-    while (!closes(at)) {
+    for_each_inside([&](reader& value, const char* at) {
         value.read_at(at);
         visit(value);
-        at = next_token(value.after_value());
-    }
-    after_ = at == end_ ? at : at + 1;
+    });
 }
 
 std::u16string reader::resolved(const text_token& token) const
@@ -309,12 +364,12 @@ std::u16string reader::resolved(const text_token& token) const
     return std::move(result.text);
 }
 
-std::u16string reader::text_value() const
+inline std::u16string reader::text_value() const
 {
     const text_token token = scan_text(at_);
     after_ = token.after();
     if (token.ascii && !token.escaped)
-        return {token.raw.begin(), token.raw.end()};
+        return widen_ascii(token.raw, end_);
     return resolved(token);
 }
 
@@ -391,6 +446,13 @@ Value reader::as_number(std::optional<Value> (*parse)(std::string_view)) const
 
 std::uint64_t reader::as_unsigned() const
 {
+    // Most numbers are nothing but digits.
+    const char* after = at_;
+    const std::optional<std::uint64_t> digits = take_integer(after, end_);
+    if (digits && (after == end_ || !is_in_number(*after))) {
+        after_ = after;
+        return *digits;
+    }
     return as_number(&parse_integer<std::uint64_t>);
 }
 

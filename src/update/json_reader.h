@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -75,13 +76,14 @@ public:
     bool as_boolean() const override;
     std::vector<std::byte> as_binary() const override;
     void visit_members(const member_visitor& visit) const override;
+    void visit_named(std::span<const std::string_view> names, const named_visitor& visit) const override;
     void visit_elements(const element_visitor& visit) const override;
     /// 0: JSON has no place for it.
     std::uint32_t structure_version() const override { return 0; }
 
 private:
     struct text_token;
-    struct member;
+    struct expected_names;
 
     reader(const char* text, const char* end, unsigned depth, const char* at) noexcept
         : text_(text), end_(end), at_(at), depth_(depth)
@@ -98,10 +100,14 @@ private:
     std::uint32_t kinds_of_text(const char* at) const noexcept;
     std::string_view number_at(const char* at) const;
     const char* after_word(const char* at, std::string_view word) const;
-    member member_at(const char* at) const;
+    text_token name_at(const char* at) const;
+    const char* value_behind_name(const char* at) const;
     const char* after_scalar(const char* at) const;
     const char* after_value() const { return after_ ? after_ : after_unread_value(); }
     const char* after_unread_value() const;
+    /// Calls read_into(value, at) for each member or element, which `value` is to be set to.
+    template <typename ReadInto>
+    void for_each_inside(const ReadInto& read_into) const;
     void check_depth(const char* at, unsigned depth) const;
 
     void read_at(const char* at) noexcept

@@ -2,7 +2,11 @@
 
 #include <emmintrin.h>
 
+#include <array>
 #include <bit>
+#include <cstddef>
+#include <string>
+#include <string_view>
 
 namespace girder::json {
 
@@ -35,6 +39,25 @@ inline plain_stretch scan_plain(const char* at, const char* end) noexcept
     for (; at != end && *at != '"' && *at != '\\'; ++at)
         high_bits |= static_cast<unsigned char>(*at) & 0x80U;
     return {.end = at, .ascii = high_bits == 0};
+}
+
+/// ASCII in UTF-16.
+/// \param end  of what may be read behind the text
+inline std::u16string widen_ascii(std::string_view text, const char* end)
+{
+    constexpr std::ptrdiff_t block = 16;
+    constexpr std::ptrdiff_t longest = 2 * block;
+    if (text.size() > longest || end - text.data() < longest)
+        return {text.begin(), text.end()};
+    // Whole blocks, whatever the size: a loop over single bytes ends where the processor does not expect it.
+    std::array<char16_t, longest> units;
+    for (std::ptrdiff_t at = 0; at < longest; at += block) {
+        const __m128i narrow = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text.data() + at));
+        auto* const wide = reinterpret_cast<__m128i*>(units.data() + at);
+        _mm_storeu_si128(wide, _mm_unpacklo_epi8(narrow, _mm_setzero_si128()));
+        _mm_storeu_si128(wide + 1, _mm_unpackhi_epi8(narrow, _mm_setzero_si128()));
+    }
+    return {units.data(), text.size()};
 }
 
 } // namespace girder::json

@@ -150,6 +150,11 @@ TEST(json_reader_test, members_are_visited_in_order_and_skipped_exactly)
     document.visit_members([&](nsm::value_name name, const nsm::value_reader&) { names.emplace_back(name.text); });
     EXPECT_THAT(names, ElementsAre("a", "b", "c", "dd\"", "a"));
 
+    constexpr std::string_view wanted[] = {"b", "dd\"", "x", "a"};
+    std::vector<std::size_t> found;
+    document.visit_named(wanted, [&](std::size_t index, const nsm::value_reader&) { found.push_back(index); });
+    EXPECT_THAT(found, ElementsAre(3, 0, 1, 3));
+
     EXPECT_EQ(document.find("b").as_string(), u"\"{[");
     EXPECT_TRUE(document.find("dd\"").as_boolean());
     EXPECT_EQ(document.find("a").find("y").as_double(), -1500);
