@@ -1,5 +1,4 @@
 #include "base/handles.h"
-#include "base/product_version.h"
 #include "base/system_library.h"
 #include "base/win32_error.h"
 
@@ -23,17 +22,6 @@ TEST(handles_win32_death_test, closing_a_foreign_handle_ends_the_process)
     EXPECT_DEATH(unique_kernel_handle{reinterpret_cast<HANDLE>(std::uintptr_t{0xDEAD0})}.reset(), "");
 }
 
-TEST(win32_error_test, code_and_call_are_kept)
-{
-    try {
-        ::SetLastError(ERROR_ACCESS_DENIED);
-        throw_last_error("OpenEventW");
-    } catch (const system_error& error) {
-        EXPECT_EQ(error.code(), std::uint32_t{ERROR_ACCESS_DENIED});
-        EXPECT_STREQ(error.what(), "OpenEventW");
-    }
-}
-
 TEST(win32_error_test, system_message_has_no_line_end_and_may_be_missing)
 {
     const std::u16string text = system_message(ERROR_ACCESS_DENIED);
@@ -49,11 +37,6 @@ TEST(system_library_test, missing_library_and_function_are_errors)
     const system_library kernel(u"kernel32.dll");
     EXPECT_THROW(static_cast<void>(kernel.function<void()>("NoSuchFunction")), system_error);
     EXPECT_EQ(kernel.optional_function<void()>("NoSuchFunction"), nullptr);
-}
-
-TEST(product_version_test, a_program_without_the_resource_has_version_0)
-{
-    EXPECT_EQ(read_product_version(), product_version{});
 }
 
 } // namespace
