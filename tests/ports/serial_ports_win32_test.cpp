@@ -9,7 +9,6 @@ namespace {
 
 using namespace std::literals;
 using testing::ElementsAre;
-using testing::IsEmpty;
 using tidelink::EnumerateSerialPorts;
 using tidelink::SerialPortInfo;
 
@@ -23,21 +22,6 @@ protected:
     void SetUp() override { device_database::remove_port_devices(); }
     void TearDown() override { device_database::remove_port_devices(); }
 };
-
-TEST_F(serial_ports_test, no_port_is_an_empty_list)
-{
-    EXPECT_THAT(EnumerateSerialPorts(), IsEmpty());
-}
-
-TEST_F(serial_ports_test, ports_come_in_the_order_of_their_numbers)
-{
-    device_database::add_port(u"COM10", u"USB Serial Port (COM10)");
-    device_database::add_port(u"COM2", u"Communications Port (COM2)");
-    device_database::add_port(u"COM1", u"Communications Port (COM1)");
-    EXPECT_THAT(EnumerateSerialPorts(), ElementsAre(SerialPortInfo{u"Communications Port (COM1)", 1},
-                                                    SerialPortInfo{u"Communications Port (COM2)", 2},
-                                                    SerialPortInfo{u"USB Serial Port (COM10)", 10}));
-}
 
 TEST_F(serial_ports_test, two_devices_of_one_number_are_both_listed)
 {
