@@ -47,8 +47,21 @@ constexpr unsigned an_hour_ms = 3'600'000;
 constexpr unsigned long_enough_ms = 2500; ///< for the wait dialog to open, and what happens then
 constexpr std::uint32_t access_denied = 0x80070005;
 
+bool manager_answers()
+{
+    return static_cast<bool>(girder::unique_service_handle(::OpenSCManagerW(nullptr, nullptr, SC_MANAGER_CONNECT)));
+}
+
 class service_test : public machine_test {
 protected:
+    void TearDown() override
+    {
+        if (!manager_answers())
+            ::_wspawnl(_P_DETACH, L"C:\\windows\\system32\\services.exe", L"services.exe", nullptr);
+        ASSERT_TRUE(eventually(manager_answers));
+        machine_test::TearDown();
+    }
+
     static shown state_of(const utility& program)
     {
         const ui_driver::dialog window = program.window();
@@ -231,109 +244,6 @@ TEST_F(service_test, escape_ends_the_waiting_and_nothing_else)
     EXPECT_EQ(demo_service::state(), DWORD{SERVICE_START_PENDING});
 }
 
-using preparation = void (*)(const demo_service& service);
-
-struct outcome_case {
-    const char* name;
-    preparation prepare; ///< before the program is started
-    int button;
-    preparation meanwhile; ///< while the wait dialog is shown; null where there is none
-    DWORD error;           ///< what the box tells, 0: there is no box
-    shown then;
-};
-
-class service_outcome_test : public service_test, public testing::WithParamInterface<outcome_case> {};
-
-TEST_P(service_outcome_test, is_shown)
-{
-    GetParam().prepare(service_);
-    const utility program(service_.program());
-    program.control(GetParam().button).post_click();
-    if (GetParam().meanwhile) {
-        EXPECT_TRUE(program.message(wait_title).exists());
-        GetParam().meanwhile(service_);
-    }
-    if (GetParam().error != 0)
-        expect_error(program, GetParam().error);
-    EXPECT_TRUE(eventually([&] { return state_of(program) == GetParam().then; })) << state_of(program);
-    EXPECT_TRUE(ui_driver::find_dialogs(error_title, program.process_id()).empty());
-    EXPECT_EQ(program.close(), 0U);
-}
-
-void overwrite_server(const demo_service& service)
-{
-    std::ofstream(service.server(), std::ios::trunc) << "This is no program.";
-}
-
-void remove_server(const demo_service& service)
-{
-    std::filesystem::remove(service.server());
-}
-
-void delete_service(const demo_service&)
-{
-    ::DeleteService(open_demo_service().get());
-}
-
-/// Leaves what is not given as it is.
-void change_service(DWORD start_type, const wchar_t* path)
-{
-    ::ChangeServiceConfigW(open_demo_service().get(), SERVICE_NO_CHANGE, start_type, SERVICE_NO_CHANGE, path, nullptr,
-                           nullptr, nullptr, nullptr, nullptr, nullptr);
-}
-
-template <preparation Change>
-void install_and(const demo_service& service)
-{
-    service.install();
-    Change(service);
-}
-
-template <unsigned Code>
-void set_install_exit_code(const demo_service& service)
-{
-    service.set(L"install", L"exit_code", Code);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    of, service_outcome_test,
-    testing::ValuesIn(std::to_array<outcome_case>({
-        {"an_installation_with_a_positive_exit_code", set_install_exit_code<1>, id::start, nullptr, 0, running},
-        {"an_installation_with_a_failure_code", set_install_exit_code<access_denied>, id::start, nullptr, access_denied,
-         not_installed},
-        {"an_installation_without_the_server", remove_server, id::start, nullptr, ERROR_FILE_NOT_FOUND, not_installed},
-        {"an_installation_by_no_program", overwrite_server, id::start, nullptr, ERROR_BAD_EXE_FORMAT, not_installed},
-        // The program itself in the server's place finds the window and ends at once, without an error.
-        {"an_installation_that_ends_at_once_and_installs_nothing",
-         [](const demo_service& service) {
-             remove_server(service);
-             std::filesystem::copy_file(service.program(), service.server());
-         },
-         id::start, nullptr, ERROR_SERVICE_DOES_NOT_EXIST, not_installed},
-        {"a_start_of_no_program", install_and<overwrite_server>, id::start, nullptr, ERROR_BAD_EXE_FORMAT, stopped},
-        {"a_start_without_the_server", install_and<remove_server>, id::start, nullptr, ERROR_FILE_NOT_FOUND, stopped},
-        {"a_start_of_a_disabled_service",
-         install_and<[](const demo_service&) { change_service(SERVICE_DISABLED, nullptr); }>, id::start, nullptr,
-         ERROR_SERVICE_DISABLED, stopped},
-        {"a_start_of_a_server_that_ends_at_once", install_and<[](const demo_service&) {
-             change_service(SERVICE_NO_CHANGE, L"C:\\windows\\system32\\cmd.exe /c exit 0");
-         }>,
-         id::start, nullptr, ERROR_SERVICE_REQUEST_TIMEOUT, stopped},
-        {"a_start_that_stops_with_an_error", install_and<[](const demo_service& service) {
-             service.set(L"service", L"start_error", ERROR_PORT_UNREACHABLE);
-         }>,
-         id::start, nullptr, 0, stopped},
-        {"a_start_during_which_the_service_is_deleted",
-         install_and<[](const demo_service& service) { service.set(L"service", L"start_ms", long_enough_ms); }>,
-         id::start, delete_service, 0, running},
-        {"a_stop_during_which_the_service_is_deleted", install_and<[](const demo_service& service) {
-             service.set(L"service", L"stop_ms", long_enough_ms);
-             service.start();
-         }>,
-         id::stop, delete_service, 0, not_installed},
-    })),
-    support::name_of_row);
-
 using service_cycles_test = service_test;
 
 TEST_F(service_cycles_test, handles_do_not_grow_over_100_starts_and_stops)
@@ -350,65 +260,125 @@ TEST_F(service_cycles_test, handles_do_not_grow_over_100_starts_and_stops)
     EXPECT_EQ(program.close(), 0U);
 }
 
-bool manager_answers()
+using action = void (*)(const demo_service& service);
+
+struct behaviour {
+    const wchar_t* section;
+    const wchar_t* name;
+    unsigned value;
+};
+
+struct outcome_case {
+    const char* name;
+    bool installed;
+    behaviour server;
+    action before;    ///< the program is started; may be null
+    int button;       ///< 0: none; where it is Stop the service runs
+    action meanwhile; ///< while the wait dialog is shown; null: it need not be
+    DWORD error;      ///< what the box tells, 0: there is no box
+    shown then;
+};
+
+class service_outcome_test : public service_test, public testing::WithParamInterface<outcome_case> {};
+
+TEST_P(service_outcome_test, is_shown)
 {
-    return static_cast<bool>(girder::unique_service_handle(::OpenSCManagerW(nullptr, nullptr, SC_MANAGER_CONNECT)));
+    const outcome_case& row = GetParam();
+    if (row.installed)
+        service_.install();
+    service_.set(row.server.section, row.server.name, row.server.value);
+    if (row.button == id::stop)
+        service_.start();
+    if (row.before)
+        row.before(service_);
+    const utility program(service_.program());
+    if (row.button != 0)
+        program.control(row.button).post_click();
+    if (row.meanwhile) {
+        EXPECT_TRUE(program.message(wait_title).exists());
+        row.meanwhile(service_);
+    }
+    if (row.error != 0)
+        expect_error(program, row.error);
+    EXPECT_TRUE(eventually([&] { return state_of(program) == row.then; })) << state_of(program);
+    EXPECT_TRUE(ui_driver::find_dialogs(error_title, program.process_id()).empty());
+    EXPECT_EQ(program.close(), 0U);
 }
 
-void ensure_service_manager()
+void overwrite_server(const demo_service& service)
 {
-    if (!manager_answers())
-        ::_wspawnl(_P_DETACH, L"C:\\windows\\system32\\services.exe", L"services.exe", nullptr);
-    ASSERT_TRUE(eventually(manager_answers));
+    std::ofstream(service.server(), std::ios::trunc) << "This is no program.";
 }
 
-void end_service_manager()
+void remove_server(const demo_service& service)
+{
+    std::filesystem::remove(service.server());
+}
+
+/// The program itself in the server's place finds the window and ends at once, without an error.
+void replace_server(const demo_service& service)
+{
+    remove_server(service);
+    std::filesystem::copy_file(service.program(), service.server());
+}
+
+void delete_service(const demo_service&)
+{
+    ::DeleteService(open_demo_service().get());
+}
+
+void end_service_manager(const demo_service&)
 {
     end_processes(L"services.exe");
     ASSERT_TRUE(eventually([] { return !manager_answers(); }));
 }
 
-/// Every test ends the service manager, and is followed by a new one.
-class service_outage_test : public service_test {
-protected:
-    void TearDown() override
-    {
-        ensure_service_manager();
-        service_test::TearDown();
-    }
-};
-
-TEST_F(service_outage_test, at_the_start_disables_both_buttons_and_is_not_reported)
+/// The call that starts or stops the service returns soon after the service has been told; nothing shows from outside
+/// that only the polling of its state is left.
+void end_service_manager_during_polling(const demo_service& service)
 {
-    end_service_manager();
-    const utility program;
-    EXPECT_EQ(state_of(program), standalone);
-    EXPECT_TRUE(ui_driver::find_dialogs(error_title).empty());
+    std::this_thread::sleep_for(1500ms);
+    end_service_manager(service);
 }
 
-TEST_F(service_outage_test, ends_a_start_silently_and_a_stop_with_an_error)
-{
-    for (const auto& [button, delay] : {std::pair(id::start, L"start_ms"), std::pair(id::stop, L"stop_ms")}) {
-        ensure_service_manager();
-        demo_service::remove();
-        service_.set(L"service", L"start_ms", 0);
-        service_.set(L"service", delay, an_hour_ms);
-        service_.install();
-        if (button == id::stop)
-            service_.start();
-        const utility program(service_.program());
-        program.control(button).post_click();
-        const ui_driver::dialog box = program.message(wait_title);
-        // The call that starts or stops the service returns soon after the service has been told; nothing shows from
-        // outside that only the polling of its state is left.
-        std::this_thread::sleep_for(1500ms);
-        end_service_manager();
-        box.wait_until_closed();
-        if (button == id::stop)
-            expect_error(program, RPC_S_SERVER_UNAVAILABLE);
-        EXPECT_EQ(state_of(program), standalone);
-        EXPECT_TRUE(ui_driver::find_dialogs(error_title).empty());
-    }
-}
+constexpr behaviour good{L"service", L"start_ms", 0};
+constexpr behaviour installing_with_1{L"install", L"exit_code", 1};
+constexpr behaviour failing_installation{L"install", L"exit_code", access_denied};
+constexpr behaviour slow_start{L"service", L"start_ms", long_enough_ms};
+constexpr behaviour slow_stop{L"service", L"stop_ms", long_enough_ms};
+constexpr behaviour endless_start{L"service", L"start_ms", an_hour_ms};
+constexpr behaviour endless_stop{L"service", L"stop_ms", an_hour_ms};
+constexpr behaviour failing_start{L"service", L"start_error", ERROR_PORT_UNREACHABLE};
+
+// Those without service manager have a Wine prefix of their own.
+INSTANTIATE_TEST_SUITE_P(
+    of, service_outcome_test,
+    testing::ValuesIn(std::to_array<outcome_case>({
+        {"an_installation_with_a_positive_exit_code", false, installing_with_1, nullptr, id::start, nullptr, 0,
+         running},
+        {"an_installation_with_a_failure_code", false, failing_installation, nullptr, id::start, nullptr, access_denied,
+         not_installed},
+        {"an_installation_without_the_server", false, good, remove_server, id::start, nullptr, ERROR_FILE_NOT_FOUND,
+         not_installed},
+        {"an_installation_by_no_program", false, good, overwrite_server, id::start, nullptr, ERROR_BAD_EXE_FORMAT,
+         not_installed},
+        {"an_installation_that_ends_at_once_and_installs_nothing", false, good, replace_server, id::start, nullptr,
+         ERROR_SERVICE_DOES_NOT_EXIST, not_installed},
+        {"a_start_of_no_program", true, good, overwrite_server, id::start, nullptr, ERROR_BAD_EXE_FORMAT, stopped},
+        {"a_start_without_the_server", true, good, remove_server, id::start, nullptr, ERROR_FILE_NOT_FOUND, stopped},
+        {"a_start_of_a_server_that_ends_at_once", true, good, replace_server, id::start, nullptr,
+         ERROR_SERVICE_REQUEST_TIMEOUT, stopped},
+        {"a_start_that_stops_with_an_error", true, failing_start, nullptr, id::start, nullptr, 0, stopped},
+        {"a_start_during_which_the_service_is_deleted", true, slow_start, nullptr, id::start, delete_service, 0,
+         running},
+        {"a_stop_during_which_the_service_is_deleted", true, slow_stop, nullptr, id::stop, delete_service, 0,
+         not_installed},
+        {"an_opening_without_service_manager", true, good, end_service_manager, 0, nullptr, 0, standalone},
+        {"a_start_that_goes_on_without_service_manager", true, endless_start, nullptr, id::start,
+         end_service_manager_during_polling, 0, standalone},
+        {"a_stop_that_goes_on_without_service_manager", true, endless_stop, nullptr, id::stop,
+         end_service_manager_during_polling, RPC_S_SERVER_UNAVAILABLE, standalone},
+    })),
+    support::name_of_row);
 
 } // namespace

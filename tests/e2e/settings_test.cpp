@@ -11,6 +11,7 @@
 #include <sddl.h>
 
 #include <array>
+#include <optional>
 
 namespace {
 
@@ -57,7 +58,8 @@ TEST_F(settings_test, sharing_one_port_reaches_the_registry_and_the_server_and_i
     EXPECT_TRUE(second.control(id::share_selected).checked());
     EXPECT_TRUE(second.control(id::port_list).enabled());
     EXPECT_THAT(second.checked_ports(), ElementsAre(3));
-    EXPECT_FALSE(second.apply_enabled());
+    second.list().click_text(2);
+    EXPECT_FALSE(second.apply_enabled()) << "a selection is no change";
     second.control(id::ok).post_click();
     EXPECT_EQ(second.exit_code(), 0U);
     EXPECT_TRUE(heard(server_, 1)) << "OK without a change writes nothing";
@@ -65,8 +67,9 @@ TEST_F(settings_test, sharing_one_port_reaches_the_registry_and_the_server_and_i
 
 struct change_case {
     const char* name;
-    void (*prepare)();
-    void (*change)(const utility& program);
+    stored_values before;
+    std::vector<int> clicks;                ///< controls
+    std::optional<std::vector<int>> checks; ///< ports, where their check marks are touched
     int button;
     stored_values stored;           ///< then
     std::vector<int> checked_ports; ///< when it is opened again
@@ -76,147 +79,112 @@ class change_test : public settings_test, public testing::WithParamInterface<cha
 
 TEST_P(change_test, is_stored_as_a_whole_or_not_at_all)
 {
-    GetParam().prepare();
-    const stored_values before = settings_key::read();
+    const auto& [name, before, clicks, checks, button, stored, checked_ports] = GetParam();
+    for (const auto& [value, data] : before)
+        settings_key::write(value, data);
     const utility program;
     EXPECT_FALSE(program.apply_enabled());
-    GetParam().change(program);
+    for (const int control : clicks)
+        program.control(control).click();
+    if (checks)
+        program.check_ports(*checks);
     EXPECT_TRUE(program.apply_enabled());
+    EXPECT_EQ(program.control(id::port_list).enabled(), program.control(id::share_selected).checked());
     EXPECT_EQ(settings_key::read(), before);
-    program.control(GetParam().button).post_click();
+    program.control(button).post_click();
     EXPECT_EQ(program.exit_code(), 0U);
-    EXPECT_EQ(settings_key::read(), GetParam().stored);
-    EXPECT_TRUE(heard(server_, GetParam().button == id::ok ? 1 : 0));
+    EXPECT_EQ(settings_key::read(), stored);
+    EXPECT_TRUE(heard(server_, button == id::ok ? 1 : 0));
     const utility again;
-    EXPECT_EQ(again.checked_ports(), GetParam().checked_ports);
-    EXPECT_EQ(again.control(id::share_all).checked(), !GetParam().stored.contains(u"sharedPorts"));
+    EXPECT_EQ(again.checked_ports(), checked_ports);
+    EXPECT_EQ(again.control(id::share_all).checked(), !stored.contains(u"sharedPorts"));
 }
 
-void store_port_7()
-{
-    settings_key::write(u"sharedPorts", ports({7}));
-}
+const stored_values port_7 = {{u"sharedPorts", ports({7})}};
 
-INSTANTIATE_TEST_SUITE_P(of, change_test,
-                         testing::ValuesIn(std::to_array<change_case>({
-                             {"several_settings",
-                              [] {},
-                              [](const utility& program) {
-                                  program.control(id::auto_discovery).click();
-                                  program.control(id::share_selected).click();
-                                  program.check_ports({7, 10});
-                              },
-                              id::ok,
-                              {{u"autoDiscovery", number(0)}, {u"sharedPorts", ports({7, 10})}},
-                              {7, 10}},
-                             {"the_share_mode_alone_which_keeps_the_check_marks",
-                              store_port_7,
-                              [](const utility& program) {
-                                  program.control(id::share_all).click();
-                                  EXPECT_FALSE(program.control(id::port_list).enabled());
-                              },
-                              id::ok,
-                              {{u"sharedPorts", ports({7})}},
-                              {7}},
-                             {"the_last_check_mark_which_shares_all_ports",
-                              store_port_7,
-                              [](const utility& program) { program.check_ports({}); },
-                              id::ok,
-                              {},
-                              {1, 3, 7, 10}},
-                             {"a_setting_back_to_its_default_among_values_of_others",
-                              [] {
-                                  settings_key::write(u"autoDiscovery", number(0));
-                                  settings_key::write(u"left by another program", text(u"x"));
-                              },
-                              [](const utility& program) { program.control(id::auto_discovery).click(); },
-                              id::ok,
-                              {{u"sharedPorts", ports({1, 3, 7, 10})}},
-                              {1, 3, 7, 10}},
-                             {"the_share_mode_without_any_port",
-                              device_database::remove_port_devices,
-                              [](const utility& program) { program.control(id::share_selected).click(); },
-                              id::ok,
-                              {},
-                              {}},
-                             {"a_check_mark_that_is_cancelled",
-                              store_port_7,
-                              [](const utility& program) {
-                                  program.list().click_text(1);
-                                  EXPECT_FALSE(program.apply_enabled()) << "a selection is no change";
-                                  program.list().toggle(1);
-                              },
-                              id::cancel,
-                              {{u"sharedPorts", ports({7})}},
-                              {7}},
-                         })),
-                         support::name_of_row);
+INSTANTIATE_TEST_SUITE_P(
+    of, change_test,
+    testing::ValuesIn(std::to_array<change_case>({
+        {"several_settings",
+         {},
+         {id::auto_discovery, id::share_selected},
+         {{7, 10}},
+         id::ok,
+         {{u"autoDiscovery", number(0)}, {u"sharedPorts", ports({7, 10})}},
+         {7, 10}},
+        {"the_share_mode_which_keeps_the_check_marks", port_7, {id::share_all}, {}, id::ok, port_7, {7}},
+        {"the_last_check_mark_which_shares_all_ports", port_7, {}, std::vector<int>{}, id::ok, {}, {1, 3, 7, 10}},
+        {"a_setting_back_to_its_default_among_values_of_others",
+         {{u"autoDiscovery", number(0)}, {u"x", text(u"y")}},
+         {id::auto_discovery},
+         {},
+         id::ok,
+         {{u"sharedPorts", ports({1, 3, 7, 10})}},
+         {1, 3, 7, 10}},
+        {"a_check_mark_that_is_cancelled", port_7, {}, {{3, 7}}, id::cancel, port_7, {7}},
+    })),
+    support::name_of_row);
 
-TEST_F(settings_test, dropping_stored_ports_that_are_not_present_is_asked_first)
+TEST_F(settings_test, without_ports_the_list_is_empty_and_everything_else_works)
 {
-    const stored_value stored = ports({3, 7, 12});
-    settings_key::write(u"sharedPorts", stored);
-    device_database::remove_port_device(u"COM7");
+    device_database::remove_port_devices();
     const utility program;
-    EXPECT_THAT(program.checked_ports(), ElementsAre(3));
-    const auto answer = [&](const char* question, int button) {
-        const ui_driver::dialog box = program.message(question_title);
-        EXPECT_THAT(utility::text_of(box), HasSubstr(question));
+    EXPECT_THAT(program.list().rows(), IsEmpty());
+    program.control(id::share_selected).click();
+    program.control(id::apply).click();
+    EXPECT_FALSE(program.apply_enabled());
+    EXPECT_TRUE(heard(server_, 1));
+}
+
+TEST_F(settings_test, what_a_save_would_lose_is_named_and_asked_first)
+{
+    settings_key::write(u"autoDiscovery", number(0));
+    settings_key::write(u"language", number(7));
+    settings_key::write(u"sharedPorts", ports({3, 7, 12}));
+    device_database::remove_port_device(u"COM7");
+    const stored_values before = settings_key::read();
+    const utility program;
+    const auto answer = [&program](const char16_t* title, const char* named, int button) {
+        const ui_driver::dialog box = program.message(title);
+        EXPECT_THAT(utility::text_of(box), AllOf(HasSubstr(named), Not(HasSubstr("autoDiscovery"))));
         utility::answer(box, button);
     };
+    const auto expect_nothing_saved = [&] {
+        EXPECT_TRUE(program.apply_enabled());
+        EXPECT_EQ(settings_key::read(), before);
+        EXPECT_TRUE(heard(server_, 0));
+    };
+    answer(error_title, "language: ", id::ok);
+    EXPECT_THAT(program.checked_ports(), ElementsAre(3));
+    EXPECT_FALSE(program.control(id::auto_discovery).checked());
+    EXPECT_FALSE(program.apply_enabled());
+
     program.check_ports({});
     program.control(id::ok).post_click();
-    answer("all ports will be shared: COM7, COM12.", id::no);
-    EXPECT_TRUE(program.apply_enabled());
-    EXPECT_THAT(settings_key::read(), ElementsAre(Pair(u"sharedPorts", stored)));
-    EXPECT_TRUE(heard(server_, 0));
+    answer(question_title, "replaced: language.", id::yes);
+    answer(question_title, "all ports will be shared: COM7, COM12.", id::no);
+    expect_nothing_saved();
 
     program.check_ports({1});
+    program.control(id::apply).post_click();
+    answer(question_title, "replaced: language.", id::no);
+    expect_nothing_saved();
+
     const HWND check_box = program.control(id::auto_discovery).handle();
     program.control(id::apply).post_click();
+    answer(question_title, "replaced: language.", id::yes);
     program.message(question_title);
-    ui_driver::send(check_box, BM_SETCHECK, BST_UNCHECKED);
-    answer("COM7, COM12", id::yes);
-    answer("COM7, COM12", id::yes); // again, as another program has changed what would be stored
+    ui_driver::send(check_box, BM_SETCHECK, BST_CHECKED);
+    answer(question_title, ": COM7, COM12.", id::yes);
+    // Again, as another program has changed what would be stored.
+    answer(question_title, "replaced: language.", id::yes);
+    answer(question_title, ": COM7, COM12.", id::yes);
     EXPECT_TRUE(heard(server_, 1));
-    EXPECT_THAT(settings_key::read(), ElementsAre(Pair(u"autoDiscovery", number(0)), Pair(u"sharedPorts", ports({1}))));
+    EXPECT_THAT(settings_key::read(), ElementsAre(Pair(u"sharedPorts", ports({1}))));
 
     program.check_ports({3});
     program.control(id::apply).click();
     EXPECT_TRUE(heard(server_, 2)) << "asked once only";
-}
-
-TEST_F(settings_test, what_cannot_be_read_is_named_at_the_start_and_replaced_only_when_that_is_agreed_to)
-{
-    settings_key::write(u"autoDiscovery", number(0));
-    settings_key::write(u"sharedPorts", binary({3, 0, 0, 0, 1}));
-    settings_key::write(u"language", number(7));
-    const stored_values before = settings_key::read();
-    const utility program;
-    const ui_driver::dialog box = program.message(error_title);
-    EXPECT_THAT(utility::text_of(box), AllOf(HasSubstr("sharedPorts"), HasSubstr("language")));
-    EXPECT_THAT(utility::text_of(box), Not(HasSubstr("autoDiscovery")));
-    utility::answer(box, id::ok);
-    EXPECT_FALSE(program.control(id::auto_discovery).checked());
-    EXPECT_TRUE(program.control(id::share_all).checked());
-
-    program.check_ports({3});
-    program.control(id::apply).post_click();
-    const ui_driver::dialog question = program.message(question_title);
-    EXPECT_THAT(utility::text_of(question), AllOf(HasSubstr("sharedPorts"), HasSubstr("language")));
-    utility::answer(question, id::no);
-    EXPECT_EQ(settings_key::read(), before);
-    EXPECT_TRUE(heard(server_, 0));
-    EXPECT_TRUE(program.apply_enabled());
-
-    program.control(id::apply).post_click();
-    utility::answer(program.message(question_title), id::yes);
-    EXPECT_TRUE(heard(server_, 1));
-    EXPECT_THAT(settings_key::read(), ElementsAre(Pair(u"autoDiscovery", number(0)), Pair(u"sharedPorts", ports({3}))));
-
-    program.control(id::auto_discovery).click();
-    program.control(id::apply).click();
-    EXPECT_TRUE(heard(server_, 2)) << "asked at the first Apply only";
 }
 
 using generated_settings_test = machine_test;
