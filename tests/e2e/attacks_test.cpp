@@ -2,9 +2,7 @@
 
 #include "base/handles.h"
 #include "base/program.h"
-#include "fixture.h"
 #include "program_folder.h"
-#include "support/cases.h"
 #include "ui_driver/remote_memory.h"
 #include "utility_driver/demo_service.h"
 
@@ -12,7 +10,6 @@
 
 #include <tlhelp32.h>
 
-#include <array>
 #include <map>
 
 namespace {
@@ -24,59 +21,33 @@ using ui_driver::eventually;
 constexpr char16_t about_title[] = u"About Tidelink Port Server";
 constexpr int about_text = 1018;
 
-struct message_case {
-    const char* name;
-    /// Posts to the program: its main window, its About box's text view and an address in its memory.
-    void (*post)(HWND window, HWND view, LPARAM address);
-};
-
-/// The program with its About box open, as another program finds it.
-class foreign_message_test : public machine_test, public testing::WithParamInterface<message_case> {};
-
-TEST_P(foreign_message_test, runs_nothing_and_changes_nothing)
+/// Messages that carry an address where the system or the program itself sends them, and those that programs number
+/// themselves. Nobody can post WM_NOTIFY to another program's window, but in Wine.
+void send_addresses(HWND window, HWND view, LPARAM of_memory)
 {
-    const utility program;
-    const ui_driver::dialog window = program.window();
-    const auto rows = program.list().rows();
-    program.control(id::about).post_click();
-    const ui_driver::dialog about = program.message(about_title);
-    const HWND view = about.item(about_text).handle();
-    const std::vector<std::uint8_t> pattern(64, 0xC7);
-    const ui_driver::remote_memory memory(window.handle(), pattern.size());
-    memory.write(pattern.data(), pattern.size());
-
-    GetParam().post(window.handle(), view, reinterpret_cast<LPARAM>(memory.address()));
-    // Posted behind all of it: the box closes when everything before has been handled.
-    utility::answer(about, id::cancel);
-
-    std::vector<std::uint8_t> after(pattern.size());
-    memory.read(after.data(), after.size());
-    EXPECT_EQ(after, pattern);
-    EXPECT_TRUE(ui_driver::find_dialogs(about_title, program.process_id()).empty());
-    EXPECT_TRUE(ui_driver::find_dialogs(error_title, program.process_id()).empty());
-    EXPECT_EQ(program.list().rows(), rows);
-    EXPECT_EQ(program.close(), 0U);
-    EXPECT_THAT(settings_key::read(), IsEmpty());
-}
-
-constexpr LPARAM no_memory = 0x4141'4141'4141;
-
-UINT ui_return()
-{
-    return ::RegisterWindowMessageW(L"ZELWM_UIRETURN");
-}
-
-void post_callables(HWND window, HWND, LPARAM address)
-{
-    const DWORD thread = ::GetWindowThreadProcessId(window, nullptr);
-    for (const LPARAM pointer : {LPARAM{0}, LPARAM{1}, no_memory, address}) {
-        ::PostThreadMessageW(thread, ui_return(), static_cast<WPARAM>(pointer), 0);
-        ::PostMessageW(window, ui_return(), static_cast<WPARAM>(pointer), 0);
-        ui_driver::send(window, ui_return(), static_cast<WPARAM>(pointer));
+    constexpr WPARAM timer_of_update_check = 0x5550;
+    constexpr LPARAM no_memory = 0x4141'4141'4141;
+    const UINT ui_return = ::RegisterWindowMessageW(L"ZELWM_UIRETURN");
+    for (const LPARAM address : {LPARAM{0}, LPARAM{1}, no_memory, of_memory}) {
+        const auto callable = static_cast<WPARAM>(address);
+        ::PostThreadMessageW(::GetWindowThreadProcessId(window, nullptr), ui_return, callable, 0);
+        for (const auto& [message, wparam] : {std::pair(ui_return, callable),
+                                              {WM_TIMER, timer_of_update_check},
+                                              {WM_TIMER, 1},
+                                              {WM_DPICHANGED, MAKEWPARAM(96, 96)},
+                                              {WM_INITDIALOG, 0},
+                                              {WM_USER + 1, 0},
+                                              {WM_USER + 2, 0},
+                                              {WM_APP, 0},
+                                              {WM_APP + 1, 0}})
+            for (const HWND target : {window, view}) {
+                ::PostMessageW(target, message, wparam, address);
+                ui_driver::send(target, message, wparam, address);
+            }
     }
 }
 
-void flood_with_commands(HWND window, HWND, LPARAM)
+void flood_with_commands(HWND window)
 {
     const UINT command = ::RegisterWindowMessageW(L"ZEL_WM_PROCESSCOMMAND");
     for (int times = 0; times < 300; ++times) {
@@ -89,33 +60,33 @@ void flood_with_commands(HWND window, HWND, LPARAM)
         ::PostMessageW(window, WM_COMMAND, static_cast<WPARAM>(control), 0);
 }
 
-/// Messages that carry an address where the system sends them, and those that programs number themselves. Nobody can
-/// post WM_NOTIFY to another program's window, but in Wine.
-void send_addresses(HWND window, HWND view, LPARAM address)
-{
-    constexpr WPARAM timer_of_update_check = 0x5550;
-    for (const auto& [message, wparam] : {std::pair(UINT{WM_TIMER}, timer_of_update_check),
-                                          {WM_TIMER, 1},
-                                          {WM_DPICHANGED, MAKEWPARAM(96, 96)},
-                                          {WM_INITDIALOG, 0},
-                                          {WM_USER + 1, 0},
-                                          {WM_USER + 2, 0},
-                                          {WM_APP, 0},
-                                          {WM_APP + 1, 0}})
-        for (const LPARAM pointer : {LPARAM{0}, no_memory, address})
-            for (const HWND target : {window, view}) {
-                ::PostMessageW(target, message, wparam, pointer);
-                ui_driver::send(target, message, wparam, pointer);
-            }
-}
+using foreign_message_test = machine_test;
 
-INSTANTIATE_TEST_SUITE_P(attempts, foreign_message_test,
-                         testing::ValuesIn(std::to_array<message_case>({
-                             {"callables_at_made_up_addresses", post_callables},
-                             {"a_flood_of_commands", flood_with_commands},
-                             {"addresses_to_read_and_write", send_addresses},
-                         })),
-                         support::name_of_row);
+TEST_F(foreign_message_test, run_nothing_and_change_nothing_behind_an_open_box)
+{
+    const utility program;
+    const HWND window = program.window().handle();
+    const auto rows = program.list().rows();
+    program.control(id::about).post_click();
+    const ui_driver::dialog about = program.message(about_title);
+    const std::vector<std::uint8_t> pattern(64, 0xC7);
+    const ui_driver::remote_memory memory(window, pattern.size());
+    memory.write(pattern.data(), pattern.size());
+
+    send_addresses(window, about.item(about_text).handle(), reinterpret_cast<LPARAM>(memory.address()));
+    flood_with_commands(window);
+    // Posted behind all of it: the box closes when everything before has been handled.
+    utility::answer(about, id::cancel);
+
+    std::vector<std::uint8_t> after(pattern.size());
+    memory.read(after.data(), after.size());
+    EXPECT_EQ(after, pattern);
+    EXPECT_TRUE(ui_driver::find_dialogs(about_title, program.process_id()).empty());
+    EXPECT_TRUE(ui_driver::find_dialogs(error_title, program.process_id()).empty());
+    EXPECT_EQ(program.list().rows(), rows);
+    EXPECT_EQ(program.close(), 0U);
+    EXPECT_THAT(settings_key::read(), IsEmpty());
+}
 
 /// DLLs that the program, and the system for it, load while it runs. Three cannot be looked at here: Wine's user32.dll
 /// itself loads msimg32.dll, uxtheme.dll and version.dll, before the first instruction of the program.
@@ -137,19 +108,8 @@ std::map<std::wstring, std::filesystem::path> modules_of(DWORD process)
     return modules;
 }
 
-/// The folder of the program is also the current one and the first of PATH.
 class planted_library_test : public program_folder_test {
 protected:
-    void SetUp() override
-    {
-        program_folder_test::SetUp();
-        const std::filesystem::path library =
-            std::filesystem::path(girder::program_folder()) / "libplanted_library.dll";
-        for (const wchar_t* const name : planted_names)
-            std::filesystem::copy_file(library, folder_ / name);
-        std::filesystem::current_path(folder_);
-        ::SetEnvironmentVariableW(L"PATH", folder_.c_str());
-    }
     void TearDown() override
     {
         ::SetEnvironmentVariableW(L"PATH", L"C:\\windows\\system32;C:\\windows");
@@ -158,14 +118,19 @@ protected:
     }
 };
 
-TEST_F(planted_library_test, none_is_loaded_by_what_the_program_does)
+TEST_F(planted_library_test, is_not_loaded_from_beside_the_program_its_current_folder_or_the_path)
 {
-    // Where its folder is looked through, the planted file is what is found.
+    for (const wchar_t* const name : planted_names)
+        std::filesystem::copy_file(std::filesystem::path(girder::program_folder()) / "libplanted_library.dll",
+                                   folder_ / name);
+    std::filesystem::current_path(folder_);
+    ::SetEnvironmentVariableW(L"PATH", folder_.c_str());
+    // Where the folder is looked through, the planted file is what is found.
     ::SetDllDirectoryW(folder_.c_str());
     const HMODULE found = ::LoadLibraryW(L"aclui.dll");
     ::SetDllDirectoryW(nullptr);
-    EXPECT_TRUE(
-        std::filesystem::equivalent(modules_of(::GetCurrentProcessId()).at(L"aclui.dll").parent_path(), folder_));
+    const std::filesystem::path planted = modules_of(::GetCurrentProcessId()).at(L"aclui.dll");
+    EXPECT_TRUE(std::filesystem::equivalent(planted.parent_path(), folder_));
     ::FreeLibrary(found);
 
     const utility program;

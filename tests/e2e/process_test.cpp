@@ -1,11 +1,12 @@
-#include "fixture.h"
-#include "ui_driver/polling.h"
+#include "program_folder.h"
 #include "ui_driver/round_trips.h"
 
 #include <windows.h>
 
 #include <aclapi.h>
 #include <sddl.h>
+
+#include <set>
 
 namespace {
 
@@ -27,34 +28,26 @@ TEST_F(process_test, a_second_start_ends_at_once_and_brings_the_window_to_the_fr
     EXPECT_EQ(first.close(), 0U);
 }
 
-/// The access list of a kernel object as a security descriptor string.
-std::wstring descriptor_of(const girder::unique_kernel_handle& object)
-{
-    girder::unique_local_memory descriptor;
-    girder::unique_local_memory text;
-    if (::GetSecurityInfo(object.get(), SE_KERNEL_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, nullptr, nullptr,
-                          descriptor.put()) != ERROR_SUCCESS ||
-        !::ConvertSecurityDescriptorToStringSecurityDescriptorW(descriptor.get(), SDDL_REVISION_1,
-                                                                DACL_SECURITY_INFORMATION,
-                                                                reinterpret_cast<wchar_t**>(text.put()), nullptr))
-        return {};
-    return static_cast<const wchar_t*>(text.get());
-}
-
-TEST_F(process_test, the_running_marker_lives_as_long_as_the_program)
+TEST_F(process_test, the_running_marker_is_for_everyone_and_lives_as_long_as_the_program)
 {
     const auto marker = [] {
         return girder::unique_kernel_handle(
             ::OpenMutexW(MUTEX_ALL_ACCESS, FALSE, L"Global\\Zelmarkco_TIDELINK_SERVER__Running_Mutex"));
     };
-    const auto marked = [&marker] { return static_cast<bool>(marker()); };
-    EXPECT_FALSE(marked());
+    EXPECT_FALSE(marker());
     const utility program;
     EXPECT_TRUE(program.window().exists());
-    EXPECT_TRUE(marked());
-    EXPECT_EQ(descriptor_of(marker()), L"D:(A;;0x1f0001;;;WD)");
+    girder::unique_local_memory descriptor;
+    girder::unique_local_memory text;
+    ASSERT_EQ(::GetSecurityInfo(marker().get(), SE_KERNEL_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr, nullptr,
+                                nullptr, descriptor.put()),
+              DWORD{ERROR_SUCCESS});
+    ASSERT_TRUE(::ConvertSecurityDescriptorToStringSecurityDescriptorW(
+        descriptor.get(), SDDL_REVISION_1, DACL_SECURITY_INFORMATION, reinterpret_cast<wchar_t**>(text.put()),
+        nullptr));
+    EXPECT_EQ(static_cast<const wchar_t*>(text.get()), std::wstring_view(L"D:(A;;0x1f0001;;;WD)"));
     EXPECT_EQ(program.close(), 0U);
-    EXPECT_TRUE(ui_driver::eventually([&] { return !marked(); }));
+    EXPECT_TRUE(ui_driver::eventually([&] { return !marker(); }));
 }
 
 TEST_F(process_test, handles_do_not_grow_over_200_saves)
@@ -72,8 +65,18 @@ TEST_F(process_test, handles_do_not_grow_over_200_saves)
     EXPECT_EQ(program.close(), 0U);
 }
 
-TEST_F(process_test, the_window_answers_whatever_is_done)
+using whole_program_test = program_folder_test;
+
+// It needs no right to write in its folder.
+TEST_F(whole_program_test, answers_and_writes_nothing_beside_itself_whatever_is_done)
 {
+    const auto entries = [this] {
+        std::set<std::pair<std::filesystem::path, std::filesystem::file_time_type>> found;
+        for (const auto& each : std::filesystem::recursive_directory_iterator(folder_))
+            found.emplace(each.path(), each.last_write_time());
+        return found;
+    };
+    const auto before = entries();
     const utility program;
     const ui_driver::round_trips trips(program.window().handle());
     program.control(id::share_selected).click();
@@ -87,6 +90,7 @@ TEST_F(process_test, the_window_answers_whatever_is_done)
     utility::answer(program.message(question_title), id::no);
     EXPECT_LT(trips.longest(), hang);
     EXPECT_EQ(program.close(), 0U);
+    EXPECT_EQ(entries(), before);
 }
 
 } // namespace
