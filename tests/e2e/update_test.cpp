@@ -11,6 +11,7 @@
 #include <windows.h>
 
 #include <gtest/gtest.h>
+#include <tlhelp32.h>
 #include <wincrypt.h>
 
 #include <atomic>
@@ -18,6 +19,7 @@
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <memory>
 #include <thread>
 
 namespace {
@@ -51,6 +53,32 @@ void trust_authority()
     ASSERT_TRUE(::CertAddEncodedCertificateToStore(
         roots.get(), X509_ASN_ENCODING, reinterpret_cast<const BYTE*>(encoded.data()),
         static_cast<DWORD>(encoded.size()), CERT_STORE_ADD_REPLACE_EXISTING, nullptr));
+}
+
+/// Kernel handles that the system's libraries keep open once the program has used them. Nothing else may remain of a
+/// check. A later Wine may have other figures; whether they are the libraries' is seen by the types and names.
+namespace kept {
+constexpr std::size_t network = 6;      ///< its library's mutexes and sections, and its locks
+constexpr std::size_t certificates = 8; ///< the registry keys of the stores of certificates
+constexpr std::size_t connection = 1;   ///< to the server, for the next request
+constexpr std::size_t cache = 1;        ///< the section with the index of answers
+constexpr std::size_t exception = 5;    ///< what the compiler's library holds for a thread, and the debug log's mutex
+constexpr std::size_t question = 3;     ///< the registry keys of sounds and displays
+constexpr std::size_t refused_server = network + certificates + exception;
+constexpr std::size_t answer = network + certificates + connection + cache;
+constexpr std::size_t failed_answer = answer + exception;
+} // namespace kept
+
+/// Whether a process has loaded the system's network library, which is the first thing that a check does.
+bool has_begun_to_check(DWORD process)
+{
+    const girder::unique_file modules(::CreateToolhelp32Snapshot(TH32CS_SNAPMODULE, process));
+    MODULEENTRY32W entry{};
+    entry.dwSize = sizeof entry;
+    for (BOOL more = ::Module32FirstW(modules.get(), &entry); more; more = ::Module32NextW(modules.get(), &entry))
+        if (entry.szModule == std::wstring_view(L"wininet.dll"))
+            return true;
+    return false;
 }
 
 /// What a process holds of the system's.
@@ -100,19 +128,7 @@ private:
 
 class update_test : public machine_test {
 protected:
-    static void SetUpTestSuite()
-    {
-        trust_authority();
-        play("manifest_empty");
-        const support::debug_monitor log;
-        const watched_utility program;
-        const holdings before = support::settled([&] { return program.held(); }, 500ms);
-        kept_by_the_system_ =
-            support::settled([&] { return program.held(); }, support::idle_threads_are_gone).kernel_handles -
-            before.kernel_handles;
-        ASSERT_EQ(requests(), 1U);
-        program.close();
-    }
+    static void SetUpTestSuite() { trust_authority(); }
     void SetUp() override
     {
         machine_test::SetUp();
@@ -163,22 +179,42 @@ protected:
 
     std::string record() const { return content_of(record_); }
 
-    /// A check has left nothing but what the system's network library keeps after the first exchange, whatever its
-    /// answer, and the window has answered all the time.
-    static void expect_nothing_kept(const watched_utility& program, const holdings& before)
+    struct counted_run {
+        std::unique_ptr<watched_utility> program;
+        holdings before;
+    };
+    /// Plays a scenario for a run of the program whose holdings were counted before it looks for updates. That is two
+    /// seconds after its start: a busy machine may take longer to count, and begins again.
+    static counted_run counted_before(const std::string& scenario)
     {
-        // The thread pool's threads come and go, each with a handle or two.
-        constexpr std::size_t of_the_pool = 4;
-        const std::size_t allowed = before.kernel_handles + kept_by_the_system_ + of_the_pool;
-        EXPECT_TRUE(eventually([&] { return program.held().kernel_handles <= allowed; }))
-            << program.held().kernel_handles << " after " << before.kernel_handles << " and " << kept_by_the_system_;
-        EXPECT_EQ(program.held().windows, before.windows);
-        EXPECT_LT(program.longest(), 2s);
+        constexpr int attempts = 10;
+        for (int attempt = 0; attempt < attempts; ++attempt) {
+            play(scenario);
+            auto program = std::make_unique<watched_utility>();
+            const holdings before = support::settled([&] { return program->held(); }, 500ms);
+            if (!has_begun_to_check(program->process_id()))
+                return {.program = std::move(program), .before = before};
+            program.reset();
+            remove_left_folders();
+        }
+        throw ui_driver::timed_out("the machine is too busy to count before the check");
+    }
+
+    /// The check has left nothing but what the system keeps, and the window has answered all the time.
+    static void expect_nothing_left(const counted_run& run, std::size_t kept)
+    {
+        std::size_t more = 0;
+        EXPECT_TRUE(eventually([&] {
+            // The thread pool lets its threads go after some seconds; each has had some handles.
+            more = support::settled([&] { return run.program->held().kernel_handles; }, 1s) - run.before.kernel_handles;
+            return more == kept;
+        })) << more
+            << " more handles than before, of which the system keeps " << kept;
+        EXPECT_EQ(run.program->held().windows, run.before.windows);
+        EXPECT_LT(run.program->longest(), 2s);
     }
 
 private:
-    static inline std::size_t kept_by_the_system_ = 0;
-
     const std::filesystem::path record_ = server_folder / "installer record";
     support::debug_monitor log_;
 };
@@ -207,15 +243,12 @@ TEST_F(update_test, yes_starts_the_installer_which_waits_for_the_end)
 
 TEST_F(update_test, no_deletes_the_installer_and_leaves_the_program_as_it_was)
 {
-    play("good");
-    const watched_utility program;
-    // The first rich text brings the system's drawing libraries along.
-    program.control(id::about).post_click();
-    utility::answer(program.message(about_title), id::cancel);
-    const holdings before = support::settled([&] { return program.held(); }, 500ms);
+    const counted_run run = counted_before("good");
+    const watched_utility& program = *run.program;
     utility::answer(program.message(question_title), id::no);
     EXPECT_TRUE(eventually([] { return left_folders() == 0; }));
-    expect_nothing_kept(program, before);
+    // Its text is drawn without Direct2D, which throws here.
+    expect_nothing_left(run, kept::answer + kept::exception + kept::question);
     EXPECT_EQ(program.close(), 0U);
     EXPECT_EQ(record(), "");
 }
@@ -312,19 +345,19 @@ struct silent_case {
     const char* name;
     std::size_t requests;
     const char* logged; ///< the error's code or text; empty when nothing has failed
+    std::size_t kept = kept::failed_answer;
 };
 class silent_test : public update_test, public testing::WithParamInterface<silent_case> {};
 
 TEST_P(silent_test, is_logged_not_offered_and_leaves_nothing)
 {
-    play(GetParam().name);
-    const watched_utility program;
-    const holdings before = support::settled([&] { return program.held(); }, 500ms);
+    const counted_run run = counted_before(GetParam().name);
+    const watched_utility& program = *run.program;
     EXPECT_TRUE(eventually([&] {
         return requests() >= GetParam().requests && logged(program).find(GetParam().logged) != std::string::npos;
     })) << logged(program);
-    expect_nothing_kept(program, before);
-    EXPECT_EQ(program.held().gdi_objects, before.gdi_objects);
+    expect_nothing_left(run, GetParam().kept);
+    EXPECT_EQ(program.held().gdi_objects, run.before.gdi_objects);
     EXPECT_EQ(requests(), GetParam().requests);
     EXPECT_EQ(left_folders(), 0U);
     EXPECT_EQ(program.close(), 0U);
@@ -333,12 +366,12 @@ TEST_P(silent_test, is_logged_not_offered_and_leaves_nothing)
 
 INSTANTIATE_TEST_SUITE_P(scenarios, silent_test,
                          testing::ValuesIn(std::vector<silent_case>{
-                             {"same_version", 1, ""},
-                             {"older", 1, ""},
-                             {"nobody_listens", 0, " 00002EFD "},
-                             {"server_of_an_unknown_authority", 0, " 00002F19 "},
-                             {"server_of_another_name", 0, " 00002F06 "},
-                             {"server_with_an_expired_certificate", 0, " 00002F05 "},
+                             {"same_version", 1, "", kept::answer},
+                             {"older", 1, "", kept::answer},
+                             {"nobody_listens", 0, " 00002EFD ", kept::network + kept::exception},
+                             {"server_of_an_unknown_authority", 0, " 00002F19 ", kept::refused_server},
+                             {"server_of_another_name", 0, " 00002F06 ", kept::refused_server},
+                             {"server_with_an_expired_certificate", 0, " 00002F05 ", kept::refused_server},
                              {"manifest_404", 1, " 80070057 "},
                              {"manifest_500", 1, " 80070057 "},
                              {"manifest_empty", 1, "[Object expected]"},
@@ -346,11 +379,11 @@ INSTANTIATE_TEST_SUITE_P(scenarios, silent_test,
                              {"manifest_oversized", 1, " 000000DF "},
                              {"manifest_malformed", 1, "[bad json format (1,0)]"},
                              {"manifest_of_wrong_kind", 1, "[Array expected]"},
-                             {"manifest_elsewhere_over_http", 1, " 00002F7C "},
+                             {"manifest_elsewhere_over_http", 1, " 00002F7C ", kept::failed_answer - kept::cache},
                              {"installer_over_http", 1, "[The installer is not offered over https.]"},
                              {"installer_404", 2, " 80070057 "},
                              {"installer_truncated", 2, " 00002EFE "},
-                             {"installer_oversized", 2, " 000000DF "},
+                             {"installer_oversized", 2, " 000000DF ", kept::failed_answer - kept::connection},
                              {"installer_elsewhere_over_http", 2, " 00002F7C "},
                              {"wrong_size", 2, "another size"},
                              {"wrong_digest", 2, "another digest"},
