@@ -40,13 +40,5 @@ TEST(corrections_test, file_is_named_after_the_module_and_the_local_time)
     EXPECT_EQ(corrections_file_name(u"folder\\common", now), expected);
 }
 
-TEST(corrections_test, table_above_another_is_in_the_same_mode)
-{
-    StringTable common;
-    common.set_corrections_mode(true);
-    EXPECT_TRUE(StringTable::above(common).corrections_mode());
-    EXPECT_FALSE(StringTable::above(StringTable()).corrections_mode());
-}
-
 } // namespace
 } // namespace tidelink

@@ -1,7 +1,8 @@
 #include "localisation/language_pack.h"
 #include "localisation/pack_name_hash.h"
 #include "pack_builder.h"
-#include "support/cases.h"
+
+#include <gtest/gtest.h>
 
 #include <cstdint>
 #include <optional>
@@ -17,13 +18,15 @@ struct module_place {
     std::int32_t offset;
 };
 
+constexpr std::array<std::uint8_t, 16> language_pack_signature = {0x91, 0x58, 0x27, 0xFD, 0x72, 0xA1, 0xC1, 0x4C,
+                                                                  0x8A, 0xBA, 0x56, 0x4E, 0xFC, 0x98, 0xDD, 0x21};
 constexpr std::int32_t file_size = 100;
 
 /// A file of 100 bytes, with a directory.
 pack_bytes file_with(const std::vector<module_place>& directory)
 {
     pack_bytes file;
-    support::append_language_pack_signature(file);
+    support::append(file, language_pack_signature);
     support::append(file, static_cast<std::uint32_t>(directory.size()));
     for (const module_place& place : directory) {
         support::append(file, place.hash);
@@ -45,38 +48,33 @@ std::optional<std::ptrdiff_t> offset_of(std::u16string_view module, const pack_b
 
 constexpr std::uint32_t hash = PackNameHash(u"common");
 
-struct directory_case {
-    const char* name;
-    std::vector<module_place> directory;
-    std::optional<std::ptrdiff_t> offset;
-    bool is_sound = true;
-};
-
-class language_pack_test : public testing::TestWithParam<directory_case> {};
-
-TEST_P(language_pack_test, directory)
+TEST(language_pack_test, modules_are_found_within_the_file)
 {
-    const pack_bytes file = file_with(GetParam().directory);
-    EXPECT_EQ(offset_of(u"common", file), GetParam().offset);
-    EXPECT_EQ(is_language_pack(file), GetParam().is_sound);
+    const struct {
+        const char* name;
+        std::vector<module_place> directory;
+        std::optional<std::ptrdiff_t> offset;
+        bool is_sound = true;
+    } cases[] = {
+        {"none", {}, std::nullopt},
+        {"first_of_two", {{hash, 40}, {hash + 1, 50}}, 40},
+        {"last_of_two", {{hash - 1, 40}, {hash, 50}}, 50},
+        {"lower_one_of_equal_hashes", {{hash - 1, 60}, {hash, 61}, {hash, 62}, {hash, 63}}, 61},
+        {"only_smaller", {{hash - 2, 40}, {hash - 1, 50}}, std::nullopt},
+        {"only_larger", {{hash + 1, 40}}, std::nullopt},
+        {"offset_before_the_file", {{hash, -1}}, std::nullopt, false},
+        {"offset_in_the_directory", {{hash, 27}}, 27, false},
+        {"offset_right_behind_the_directory", {{hash, 28}}, 28},
+        {"offset_at_the_end", {{hash, file_size}}, file_size},
+        {"offset_behind_the_file", {{hash, file_size + 1}}, std::nullopt, false},
+        {"offset_of_another_module_outside", {{hash, 50}, {hash + 1, INT32_MIN}}, 50, false},
+    };
+    for (const auto& [name, directory, offset, is_sound] : cases) {
+        const pack_bytes file = file_with(directory);
+        EXPECT_EQ(offset_of(u"common", file), offset) << name;
+        EXPECT_EQ(is_language_pack(file), is_sound) << name;
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    modules, language_pack_test,
-    testing::Values(directory_case{"none", {}, std::nullopt},
-                    directory_case{"first_of_two", {{hash, 40}, {hash + 1, 50}}, 40},
-                    directory_case{"last_of_two", {{hash - 1, 40}, {hash, 50}}, 50},
-                    directory_case{
-                        "lower_one_of_equal_hashes", {{hash - 1, 60}, {hash, 61}, {hash, 62}, {hash, 63}}, 61},
-                    directory_case{"only_smaller", {{hash - 2, 40}, {hash - 1, 50}}, std::nullopt},
-                    directory_case{"only_larger", {{hash + 1, 40}}, std::nullopt},
-                    directory_case{"offset_before_the_file", {{hash, -1}}, std::nullopt, false},
-                    directory_case{"offset_in_the_directory", {{hash, 27}}, 27, false},
-                    directory_case{"offset_right_behind_the_directory", {{hash, 28}}, 28},
-                    directory_case{"offset_at_the_end", {{hash, file_size}}, file_size},
-                    directory_case{"offset_behind_the_file", {{hash, file_size + 1}}, std::nullopt, false},
-                    directory_case{"offset_of_another_module_outside", {{hash, 50}, {hash + 1, INT32_MIN}}, 50, false}),
-    support::name_of_row);
 
 TEST(language_pack_test, module_names_fold_and_lose_their_folder)
 {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -14,11 +15,11 @@ namespace support {
 
 using pack_bytes = std::vector<std::byte>;
 
-template <typename Number>
-void append(pack_bytes& bytes, Number number)
+template <typename Value>
+void append(pack_bytes& bytes, const Value& value)
 {
-    const auto* const first = reinterpret_cast<const std::byte*>(&number);
-    bytes.insert(bytes.end(), first, first + sizeof number);
+    const auto* const first = reinterpret_cast<const std::byte*>(&value);
+    bytes.insert(bytes.end(), first, first + sizeof value);
 }
 
 inline void append_text(pack_bytes& bytes, std::u16string_view text)
@@ -29,23 +30,8 @@ inline void append_text(pack_bytes& bytes, std::u16string_view text)
     append(bytes, char16_t{0});
 }
 
-inline void append_bytes(pack_bytes& bytes, std::initializer_list<int> values)
-{
-    for (const int value : values)
-        bytes.push_back(static_cast<std::byte>(value));
-}
-
-inline void append_signature(pack_bytes& bytes)
-{
-    append_bytes(bytes,
-                 {0x79, 0x2B, 0x13, 0xEF, 0xBB, 0x4F, 0xF7, 0x43, 0x84, 0x1A, 0x26, 0x0C, 0x00, 0xFF, 0x99, 0x29});
-}
-
-inline void append_language_pack_signature(pack_bytes& bytes)
-{
-    append_bytes(bytes,
-                 {0x91, 0x58, 0x27, 0xFD, 0x72, 0xA1, 0xC1, 0x4C, 0x8A, 0xBA, 0x56, 0x4E, 0xFC, 0x98, 0xDD, 0x21});
-}
+inline constexpr std::array<std::uint8_t, 16> pack_signature = {0x79, 0x2B, 0x13, 0xEF, 0xBB, 0x4F, 0xF7, 0x43,
+                                                                0x84, 0x1A, 0x26, 0x0C, 0x00, 0xFF, 0x99, 0x29};
 
 /// Puts a string pack together, entry by entry.
 class pack_builder {
@@ -80,25 +66,25 @@ public:
     }
 
     /// As in a module of a pack file.
-    pack_bytes bare() const
+    pack_bytes bare() const { return behind({}); }
+
+    /// As in a resource.
+    pack_bytes with_signature() const
     {
-        pack_bytes bytes = header_;
+        pack_bytes signature;
+        append(signature, pack_signature);
+        return behind(std::move(signature));
+    }
+
+private:
+    pack_bytes behind(pack_bytes bytes) const
+    {
+        bytes.insert(bytes.end(), header_.begin(), header_.end());
         append(bytes, count_);
         bytes.insert(bytes.end(), entries_.begin(), entries_.end());
         return bytes;
     }
 
-    /// As in a resource.
-    pack_bytes with_signature() const
-    {
-        pack_bytes bytes;
-        append_signature(bytes);
-        const pack_bytes rest = bare();
-        bytes.insert(bytes.end(), rest.begin(), rest.end());
-        return bytes;
-    }
-
-private:
     void append_name(std::string_view name)
     {
         append(header_, static_cast<std::uint16_t>(name.size()));

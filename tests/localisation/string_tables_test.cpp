@@ -1,4 +1,3 @@
-#include "built_in_packs.h"
 #include "localisation/string_keys.h"
 #include "localisation/string_tables.h"
 #include "pack_builder.h"
@@ -73,14 +72,9 @@ TEST_F(string_tables_test, a_pack_with_one_malformed_module_is_not_used_at_all)
     const pack_bytes program = pack_builder().text(string_id::settings, 0, u"Settings").with_signature();
     const pack_bytes common_german = pack_builder().text(string_id::ok, 0, u"Gut").bare();
     const pack_bytes program_german = pack_builder().text(string_id::settings, 0, u"Einstellungen").bare();
-    const auto cut = [](pack_bytes module) {
-        module.pop_back();
-        return module;
-    };
-    const pack_bytes common_cut = cut(common_german);
-    const pack_bytes program_cut = cut(program_german);
-    for (const string_packs& packs :
-         {string_packs{common, program, common_cut, program_german}, {common, program, common_german, program_cut}}) {
+    const auto cut = [](const pack_bytes& module) { return std::span(module).first(module.size() - 1); };
+    for (const string_packs& packs : {string_packs{common, program, cut(common_german), program_german},
+                                      {common, program, common_german, cut(program_german)}}) {
         build_string_tables(packs);
         EXPECT_EQ(text(string_id::ok), u"OK");
         EXPECT_EQ(text(string_id::settings), u"Settings");
@@ -89,7 +83,11 @@ TEST_F(string_tables_test, a_pack_with_one_malformed_module_is_not_used_at_all)
 
 TEST_F(string_tables_test, keep_corrections_by_module_and_key)
 {
-    support::load_built_in_packs();
+    const pack_bytes common =
+        pack_builder().text(string_id::ok, 0, u"OK").text(string_id::stop, 0, u"S&top").with_signature();
+    const pack_bytes program =
+        pack_builder().text(string_id::security, 0, u"S").text(string_id::update_offer, 0, u"U").with_signature();
+    build_string_tables({common, program, {}, {}});
     correct_string(string_id::ok, u"not kept");
     set_corrections_mode(true);
     correct_string(string_id::security, u"Safety");
@@ -100,23 +98,29 @@ TEST_F(string_tables_test, keep_corrections_by_module_and_key)
               (Corrections{{u"Security...", u"Safety"}, {u"Update offer", u"Get it"}}));
     EXPECT_EQ(text(string_id::stop), u"S&top");
     EXPECT_EQ(key_of(1), u"");
+    EXPECT_TRUE(StringTable::above(common_strings()).corrections_mode());
 }
 
-TEST_F(string_tables_test, built_in_packs_hold_every_constant_at_an_even_address)
+TEST(string_table_test, a_refused_built_in_pack_leaves_the_lower_layers)
 {
-    support::load_built_in_packs();
-    EXPECT_TRUE(common_strings().loaded());
-    EXPECT_TRUE(program_strings().loaded());
-    for (const std::uint32_t id : string_slot::ids) {
-        const StringEntry* const entry = program_strings().find_or_null(id);
-        ASSERT_NE(entry, nullptr) << std::hex << id;
-        const std::u16string_view text = entry->is_list() ? entry->item(0) : entry->text();
-        EXPECT_FALSE(text.empty()) << std::hex << id;
-        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(text.data()) % sizeof(char16_t), 0U) << std::hex << id;
-        EXPECT_EQ(text.data()[text.size()], u'\0') << std::hex << id;
-    }
-    EXPECT_EQ(program_strings().find(string_id::about_text).revision(), 2U);
-    EXPECT_EQ(common_strings().find_or_null(string_id::settings), nullptr);
+    const pack_bytes common_pack = pack_builder().text(1, 0, u"common").with_signature();
+    const pack_bytes no_signature = pack_builder().text(2, 0, u"program").bare();
+    const pack_bytes translation = pack_builder().text(1, 0, u"translated").bare();
+    StringTable common;
+    EXPECT_TRUE(common.layer({}, pack_form::with_signature)) << "nothing was refused";
+    EXPECT_FALSE(common.layer(no_signature, pack_form::with_signature)) << "refused, and nothing is beneath";
+    common.load(common_pack, {});
+    EXPECT_TRUE(common.layer(no_signature, pack_form::with_signature)) << "the layer from before is there";
+    StringTable program = StringTable::above(common);
+    program.load(no_signature, translation);
+    EXPECT_FALSE(program.loaded());
+    EXPECT_EQ(program.text(1), u"translated");
+    EXPECT_EQ(program.find_or_null(2), nullptr);
+
+    StringTable alone;
+    alone.load(no_signature, translation);
+    EXPECT_FALSE(alone.loaded());
+    EXPECT_EQ(alone.find_or_null(1), nullptr) << "nothing is laid over a pack that was refused";
 }
 
 } // namespace
