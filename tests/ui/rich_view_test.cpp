@@ -37,17 +37,13 @@ public:
     }
 
     HWND view() const noexcept { return control(IDC_LABEL); }
-    void show(std::u16string_view markup, int width = 300, int height = 100) const
+    void show(std::u16string_view markup, int height = 100, UINT dpi = 96)
     {
         set_window_text(view(), markup);
-        ::SendMessageW(view(), WM_SETFONT, reinterpret_cast<WPARAM>(font_.get()), TRUE);
-        ::SetWindowPos(view(), nullptr, 0, 0, width, height, SWP_NOZORDER | SWP_NOMOVE);
-    }
-    void use_dpi(UINT dpi)
-    {
         unique_font font = create_dialog_font(dpi);
         ::SendMessageW(view(), WM_SETFONT, reinterpret_cast<WPARAM>(font.get()), TRUE);
         font_ = std::move(font);
+        ::SetWindowPos(view(), nullptr, 0, 0, 300, height, SWP_NOZORDER | SWP_NOMOVE);
     }
 
     std::vector<std::u16string> opened;
@@ -70,7 +66,7 @@ protected:
     void on_error(std::exception_ptr) noexcept override { FAIL(); }
 
 private:
-    unique_font font_ = create_dialog_font(96);
+    unique_font font_;
 };
 
 VARIANT child(long number)
@@ -183,8 +179,7 @@ TEST(rich_view_test, needs_the_room_of_its_text)
     dialog.show(u"[[[s:200:one two three four]]]");
     EXPECT_NEAR(rich_view_extent(dialog.view(), 1000).height, 2 * line.height, line.height / 2);
 
-    dialog.use_dpi(192);
-    dialog.show(u"one two three four");
+    dialog.show(u"one two three four", 100, 192);
     EXPECT_NEAR(rich_view_extent(dialog.view(), 1000).width, 2 * line.width, line.width / 5);
 }
 
@@ -195,9 +190,8 @@ TEST(rich_view_test, draws_in_the_system_colours_as_they_are_now)
     COLORREF normal[3];
     std::ranges::transform(kinds, normal, ::GetSysColor);
     view_dialog dialog;
-    dialog.show(two_links);
     // Wide strokes: some of their pixels have the whole colour, whatever the smoothing.
-    dialog.use_dpi(192);
+    dialog.show(two_links, 100, 192);
     ::SetSysColors(3, kinds, high_contrast);
     const std::vector<COLORREF> in_contrast = drawn(dialog.view());
     ::SetSysColors(3, kinds, normal);
@@ -212,9 +206,8 @@ TEST(rich_view_test, draws_in_the_system_colours_as_they_are_now)
 TEST(rich_view_test, characters_that_the_font_lacks_come_from_another_one)
 {
     view_dialog dialog;
-    dialog.use_dpi(192);
     const auto drawn_text = [&](std::u16string_view text) {
-        dialog.show(text);
+        dialog.show(text, 100, 192);
         return drawn(dialog.view());
     };
     EXPECT_EQ(drawn_text(u"a \u8A2D\u5B9A"), drawn_text(u"a \u8A2D\u5B9A"));
@@ -255,8 +248,7 @@ TEST(drawing_test, a_lost_device_is_replaced_and_drawn_on_again)
 TEST(rich_view_test, is_drawn_by_gdi_once_direct2d_has_refused)
 {
     view_dialog dialog;
-    dialog.use_dpi(192);
-    dialog.show(two_links);
+    dialog.show(two_links, 100, 192);
     const std::vector<COLORREF> by_first_choice = drawn(dialog.view());
     constexpr WPARAM no_device = 0;
     ::SendMessageW(dialog.view(), WM_PRINTCLIENT, no_device, PRF_CLIENT);
@@ -293,28 +285,23 @@ TEST(rich_view_test, tab_goes_through_the_links_and_enter_opens)
     EXPECT_THAT(dialog.opened, ElementsAre(u"https://a.example", u"mailto:b@example"));
     press(dialog, VK_TAB);
     EXPECT_EQ(::GetFocus(), dialog.control(IDC_EDIT));
-}
 
-TEST(rich_view_test, is_a_tab_stop_only_where_a_key_does_something)
-{
-    const view_dialog dialog;
-    const auto tab_stop = [&] { return (::GetWindowLongPtrW(dialog.view(), GWL_STYLE) & WS_TABSTOP) != 0; };
+    const auto is_tab_stop = [&] { return (::GetWindowLongPtrW(dialog.view(), GWL_STYLE) & WS_TABSTOP) != 0; };
+    EXPECT_TRUE(is_tab_stop());
     dialog.show(u"plain");
-    EXPECT_FALSE(tab_stop());
-    dialog.show(two_links);
-    EXPECT_TRUE(tab_stop());
-    dialog.show(u"plain\n\n\n\n\n\n", 300, 40);
-    EXPECT_TRUE(tab_stop());
+    EXPECT_FALSE(is_tab_stop()) << "no key does anything there";
+    dialog.show(u"plain\n\n\n\n\n\n", 40);
+    EXPECT_TRUE(is_tab_stop()) << "the keys scroll";
 }
 
 TEST(rich_view_test, text_higher_than_the_window_scrolls)
 {
-    const view_dialog dialog;
+    view_dialog dialog;
     std::u16string lines;
     for (int i = 0; i < 100; ++i)
         lines += u"line\n";
     ::SetFocus(dialog.control(IDC_EDIT));
-    dialog.show(lines + u"[[[hhttps://end.example|end]]]", 300, 60);
+    dialog.show(lines + u"[[[hhttps://end.example|end]]]", 60);
     const auto position = [&] { return ::GetScrollPos(dialog.view(), SB_VERT); };
     ::SetFocus(dialog.view());
     const int at_end = position();
@@ -329,7 +316,7 @@ TEST(rich_view_test, text_higher_than_the_window_scrolls)
     EXPECT_GT(position(), 60);
     ::SendMessageW(dialog.view(), WM_VSCROLL, SB_BOTTOM, 0);
     EXPECT_EQ(position(), at_end);
-    dialog.show(u"line", 300, 60);
+    dialog.show(u"line", 60);
     EXPECT_EQ(::GetWindowLongPtrW(dialog.view(), GWL_STYLE) & WS_VSCROLL, 0);
     EXPECT_EQ(position(), 0);
 }

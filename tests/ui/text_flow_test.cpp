@@ -34,8 +34,6 @@ TEST(text_flow_test, breaks)
         extent size;
     } cases[] = {
         {"empty", u"", 50, "", {0, 10}},
-        {"one_line", u"ab cd", 50, "ab @0,0 cd@30,0 ", {50, 10}},
-        {"behind_blanks", u"ab  cd", 40, "ab  @0,0 cd@0,10 ", {20, 20}},
         {"blanks_may_hang_over", u"abc  d", 30, "abc  @0,0 d@0,10 ", {30, 20}},
         {"line_feeds", u"a\n\nb\n", 50, "a@0,0 b@0,20 ", {10, 40}},
         {"long_word", u"a bcdefg h", 30, "a @0,0 bcd@0,10 efg @0,20 h@0,30 ", {30, 40}},
