@@ -16,7 +16,6 @@
 namespace {
 
 using namespace e2e;
-using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -209,37 +208,18 @@ TEST_F(generated_settings_test, the_program_starts_names_what_it_could_not_read_
     }
 }
 
-/// Port 7 is stored in a key with an access list of its own.
-class restricted_key_test : public machine_test {
-protected:
-    void SetUp() override
-    {
-        machine_test::SetUp();
-        settings_key::write(u"sharedPorts", ports({7}));
-        ::RegOpenKeyExW(HKEY_LOCAL_MACHINE, key_path, 0, KEY_ALL_ACCESS, key_.put());
-    }
-    void TearDown() override
-    {
-        protect(L"D:P(A;;GA;;;WD)");
-        EXPECT_THAT(settings_key::read(), Contains(Pair(u"sharedPorts", ports({7}))));
-        machine_test::TearDown();
-    }
-
-    void protect(const wchar_t* descriptor)
-    {
-        girder::unique_local_memory binary;
-        ASSERT_TRUE(
-            ::ConvertStringSecurityDescriptorToSecurityDescriptorW(descriptor, SDDL_REVISION_1, binary.put(), nullptr));
-        ASSERT_EQ(::RegSetKeySecurity(key_.get(), DACL_SECURITY_INFORMATION, binary.get()), ERROR_SUCCESS);
-    }
-
-private:
-    girder::unique_registry_key key_;
-};
-
 // Wine lets anyone delete a key that may only be read, so that a save of it cannot be seen to fail here.
-TEST_F(restricted_key_test, is_shown_where_it_may_be_read_else_reported_and_left_alone)
+TEST_F(settings_test, a_key_that_may_only_be_read_is_shown_and_one_that_may_not_is_reported_and_left_alone)
 {
+    settings_key::write(u"sharedPorts", ports({7}));
+    girder::unique_registry_key key;
+    ::RegOpenKeyExW(HKEY_LOCAL_MACHINE, key_path, 0, KEY_ALL_ACCESS, key.put());
+    const auto protect = [&key](const wchar_t* text) {
+        girder::unique_local_memory descriptor;
+        EXPECT_TRUE(
+            ::ConvertStringSecurityDescriptorToSecurityDescriptorW(text, SDDL_REVISION_1, descriptor.put(), nullptr));
+        EXPECT_EQ(::RegSetKeySecurity(key.get(), DACL_SECURITY_INFORMATION, descriptor.get()), ERROR_SUCCESS);
+    };
     protect(L"D:P(A;;KR;;;WD)");
     {
         const utility program;
@@ -247,12 +227,16 @@ TEST_F(restricted_key_test, is_shown_where_it_may_be_read_else_reported_and_left
         EXPECT_EQ(program.close(), 0U);
     }
     protect(L"D:P(D;;GA;;;WD)");
-    const utility program;
-    const ui_driver::dialog box = program.message(error_title);
-    EXPECT_THAT(utility::text_of(box), HasSubstr("(0x00000005)"));
-    utility::answer(box, id::ok);
-    EXPECT_TRUE(program.control(id::share_all).checked());
-    EXPECT_EQ(program.close(), 0U);
+    {
+        const utility program;
+        const ui_driver::dialog box = program.message(error_title);
+        EXPECT_THAT(utility::text_of(box), HasSubstr("(0x00000005)"));
+        utility::answer(box, id::ok);
+        EXPECT_TRUE(program.control(id::share_all).checked());
+        EXPECT_EQ(program.close(), 0U);
+    }
+    protect(L"D:P(A;;GA;;;WD)");
+    EXPECT_THAT(settings_key::read(), ElementsAre(Pair(u"sharedPorts", ports({7}))));
 }
 
 } // namespace
