@@ -74,24 +74,30 @@ TEST(string_layer_test, serves_items_by_index)
 }
 
 // Multiples of the inverse of the hash's factor share one home: a search must end, and the first entry still counts.
-TEST(string_layer_test, finds_ids_that_collide)
+TEST(string_layer_test, finds_ids_that_collide_beneath_a_small_layer_and_a_large_one)
 {
     constexpr std::uint32_t inverse_of_factor = 0x0E8B2F51;
     static_assert(inverse_of_factor * 0x9E3779B1U == 1);
+    const auto id_of = [](std::uint32_t number) { return number % 2 == 0 ? number * inverse_of_factor : number; };
     constexpr std::uint32_t count = 1000;
     pack_builder builder;
     for (std::uint32_t number = 0; number < count; ++number)
-        builder.text(number * inverse_of_factor, 0, std::u16string(number, u'x'));
+        builder.text(id_of(number), 0, std::u16string(number, u'x'));
     for (std::uint32_t number = 0; number < count; ++number)
-        builder.text(number * inverse_of_factor, 0, u"later");
+        builder.text(id_of(number), 0, u"later");
     const pack_bytes pack = builder.bare();
-    const pack_bytes upper = pack_builder().text(count * inverse_of_factor, 0, u"upper").bare();
     const auto lower_layer = read(pack);
-    const auto layer = read(upper, &*lower_layer);
-    for (std::uint32_t number = 0; number < count; ++number)
-        ASSERT_EQ(layer->find(number * inverse_of_factor)->text().size(), number);
-    EXPECT_EQ(text_of(*layer, count * inverse_of_factor), u"upper");
-    EXPECT_EQ(layer->find((count + 1) * inverse_of_factor), nullptr);
+    for (const auto& [first, end] : {std::pair(count, count + 1), {count / 2, 4 * count}}) {
+        pack_builder upper_builder;
+        for (std::uint32_t number = first; number < end; ++number)
+            upper_builder.text(id_of(number), 0, u"upper");
+        const pack_bytes upper = upper_builder.bare();
+        const auto layer = read(upper, &*lower_layer);
+        for (std::uint32_t number = 0; number < end; ++number)
+            ASSERT_EQ(text_of(*layer, id_of(number)), number < first ? std::u16string(number, u'x') : u"upper");
+        EXPECT_EQ(layer->find(id_of(end)), nullptr);
+        EXPECT_EQ(layer->find(id_of(end + 1)), nullptr);
+    }
 }
 
 // As the modules of a language pack do in whichever order.
