@@ -22,38 +22,25 @@ constexpr wchar_t reload_event[] = L"Global\\tidelink_{35B11BAB-5238-4E93-B06A-9
 
 using shared_key_test = machine_test;
 
-TEST_F(shared_key_test, a_save_that_fails_is_shown_and_keeps_the_window)
+TEST_F(shared_key_test, deleted_and_not_to_be_written_is_reported_and_written_anew_by_a_later_save)
 {
+    settings_key::write(u"autoDiscovery", number(0));
     const support::reload_listener server;
     const utility program;
-    program.control(id::auto_discovery).click();
+    program.control(id::share_selected).click();
     settings_key::block();
     program.control(id::ok).post_click();
     const ui_driver::dialog box = program.message(error_title);
     EXPECT_THAT(utility::text_of(box), testing::HasSubstr("(0x"));
     utility::answer(box, id::ok);
     EXPECT_TRUE(heard(server, 0));
-    EXPECT_FALSE(program.control(id::auto_discovery).checked());
+    EXPECT_TRUE(program.control(id::share_selected).checked());
     EXPECT_FALSE(program.apply_enabled());
 
     settings_key::remove();
-    program.control(id::share_selected).click();
+    program.check_ports({3});
     program.control(id::ok).post_click();
     EXPECT_EQ(program.exit_code(), 0U);
-    EXPECT_TRUE(heard(server, 1));
-    EXPECT_THAT(settings_key::read(), testing::Contains(Pair(u"autoDiscovery", number(0))));
-}
-
-TEST_F(shared_key_test, deleted_under_the_window_is_written_anew)
-{
-    settings_key::write(u"autoDiscovery", number(0));
-    const support::reload_listener server;
-    const utility program;
-    program.window();
-    settings_key::remove();
-    program.control(id::share_selected).click();
-    program.check_ports({3});
-    program.control(id::apply).click();
     EXPECT_TRUE(heard(server, 1));
     EXPECT_THAT(settings_key::read(), ElementsAre(Pair(u"autoDiscovery", number(0)), Pair(u"sharedPorts", ports({3}))));
 }

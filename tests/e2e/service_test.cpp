@@ -20,27 +20,14 @@ using testing::ContainsRegex;
 using ui_driver::eventually;
 using clock = std::chrono::steady_clock;
 
-/// What the main window shows about the service.
-struct shown {
-    std::u16string status;
-    std::u16string start; ///< caption of the button
-    bool can_start = false;
-    bool can_stop = false;
-
-    bool operator==(const shown&) const = default;
-    friend std::ostream& operator<<(std::ostream& out, const shown& what)
-    {
-        return out << girder::to_utf8(what.status) << ", " << girder::to_utf8(what.start)
-                   << (what.can_start ? "+" : "-") << ", Stop" << (what.can_stop ? "+" : "-");
-    }
-};
-
-const shown not_installed{.status = u"Not installed", .start = u"&Install", .can_start = true};
-const shown standalone_not_installed{.status = u"Running as standalone", .start = u"&Install"};
-const shown stopped{.status = u"Stopped", .start = u"&Start", .can_start = true};
-const shown installed_by_others{.status = u"Stopped", .start = u"&Install", .can_start = true};
-const shown standalone{.status = u"Running as standalone", .start = u"&Start"};
-const shown running{.status = u"Running", .start = u"&Start", .can_stop = true};
+/// What the main window shows about the service: status, caption of the first button, which buttons are enabled.
+using shown = std::string_view;
+constexpr shown not_installed = "Not installed, &Install, can start";
+constexpr shown standalone_not_installed = "Running as standalone, &Install";
+constexpr shown stopped = "Stopped, &Start, can start";
+constexpr shown installed_by_others = "Stopped, &Install, can start";
+constexpr shown standalone = "Running as standalone, &Start";
+constexpr shown running = "Running, &Start, can stop";
 
 constexpr unsigned an_hour_ms = 3'600'000;
 constexpr unsigned long_enough_ms = 2500; ///< for the wait dialog to open, and what happens then
@@ -61,16 +48,15 @@ protected:
         machine_test::TearDown();
     }
 
-    static shown state_of(const utility& program)
+    static std::string state_of(const utility& program)
     {
         const ui_driver::dialog window = program.window();
-        return {.status = window.item(id::status).text(),
-                .start = window.item(id::start).text(),
-                .can_start = window.item(id::start).enabled(),
-                .can_stop = window.item(id::stop).enabled()};
+        return girder::to_utf8(window.item(id::status).text() + u", " + window.item(id::start).text()) +
+               (window.item(id::start).enabled() ? ", can start" : "") +
+               (window.item(id::stop).enabled() ? ", can stop" : "");
     }
     /// What other programs' windows cause by going to the front and leaving it.
-    static shown state_after_activation(const utility& program)
+    static std::string state_after_activation(const utility& program)
     {
         const HWND window = program.window().handle();
         ui_driver::send(window, WM_ACTIVATE, WA_INACTIVE);
@@ -164,7 +150,7 @@ TEST_F(service_test, a_slow_start_and_a_slow_stop_show_the_wait_dialog_until_the
     program.control(id::stop).post_click();
     const ui_driver::dialog stop = program.message(wait_title);
     ui_driver::send(window, WM_ACTIVATE, WA_ACTIVE);
-    EXPECT_EQ(ui_driver::dialog(window).item(id::status).text(), running.status) << "the end is shown at the end";
+    EXPECT_EQ(ui_driver::dialog(window).item(id::status).text(), u"Running") << "the end is shown at the end";
     stop.wait_until_closed();
     EXPECT_GE(clock::now() - begin, 1500ms);
     EXPECT_LT(clock::now() - begin, 6s) << "looked at once a second";
@@ -186,7 +172,7 @@ TEST_F(service_test, a_quick_stop_shows_nothing)
         bool seen = false;
         EXPECT_TRUE(eventually([&] {
             seen = seen || !ui_driver::find_dialogs(wait_title).empty();
-            return window.item(id::status).text() == stopped.status;
+            return window.item(id::status).text() == u"Stopped";
         }));
         quick = clock::now() - begin < 450ms;
         EXPECT_FALSE(quick && seen);
@@ -198,7 +184,7 @@ TEST_F(service_test, escape_ends_the_waiting_and_nothing_else)
 {
     service_.set(L"install", L"delay_ms", long_enough_ms);
     service_.set(L"service", L"start_ms", an_hour_ms);
-    for (const shown& expected : {not_installed, stopped}) {
+    for (const shown expected : {not_installed, stopped}) {
         const utility program(service_.program());
         EXPECT_EQ(state_of(program), expected);
         program.control(id::start).post_click();
