@@ -15,7 +15,7 @@ using support::size_of;
 /// A dialog with one control of each kind, arranged like the program's own.
 class sample_dialog : public dialog {
 public:
-    explicit sample_dialog(std::u16string_view text) : text_(text) { create_modeless(IDD_PROBE, nullptr, "create"); }
+    sample_dialog() { create_modeless(IDD_PROBE, nullptr, "create"); }
 
     using dialog::dpi;
     using dialog::lay_out;
@@ -23,8 +23,6 @@ public:
 protected:
     bool on_initialise() override
     {
-        for (const int id : {IDC_LABEL, IDC_GROUP, IDC_RADIO, IDC_CHECK, IDC_PUSH})
-            set_window_text(control(id), text_);
         check_list::set_up(control(IDC_LIST));
         for (std::uint32_t port = 1; port <= 20; ++port)
             check_list::append(control(IDC_LIST), u"Communications Port", port, true);
@@ -46,9 +44,6 @@ protected:
     }
     void on_laid_out() override { check_list::fit_column(control(IDC_LIST)); }
     void on_error(std::exception_ptr) noexcept override { FAIL(); }
-
-private:
-    std::u16string_view text_;
 };
 
 LOGFONTW font_of(HWND control)
@@ -74,7 +69,7 @@ RECT scaled(const RECT& place, int from, int to)
 
 TEST(dpi_change_test, takes_the_suggested_corner_and_comes_back_to_the_old_size)
 {
-    sample_dialog dialog(u"Enable auto-discovery");
+    sample_dialog dialog;
     change_dpi(dialog, 144, {.left = 0, .top = 0, .right = 10, .bottom = 10});
     EXPECT_EQ(dialog.dpi(), 0U) << "nothing to lay out yet";
 
@@ -108,7 +103,7 @@ TEST(dpi_change_test, takes_the_suggested_corner_and_comes_back_to_the_old_size)
 TEST(lay_out_test, what_the_screen_has_no_room_for_is_scrolled_to)
 {
     constexpr DWORD both_bars = WS_HSCROLL | WS_VSCROLL;
-    sample_dialog dialog(u"Share all ports");
+    sample_dialog dialog;
     ::ShowWindow(dialog.window(), SW_SHOW);
     const auto bars = [&] { return static_cast<DWORD>(::GetWindowLongPtrW(dialog.window(), GWL_STYLE)) & both_bars; };
     const auto is_in_sight = [&](int id) {
