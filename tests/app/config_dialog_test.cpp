@@ -24,28 +24,6 @@ using support::list_of;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-/// Answers the message boxes of this thread, one after the other, and keeps what they said.
-class box_answers {
-public:
-    explicit box_answers(std::vector<int> buttons) : buttons_(std::move(buttons)) { await_next(); }
-
-    std::vector<std::string> said;
-
-private:
-    void await_next()
-    {
-        next_.emplace([this](HWND box) {
-            const int button = said.size() < buttons_.size() ? buttons_[said.size()] : IDCANCEL;
-            said.push_back(girder::to_utf8(window_text(::GetDlgItem(box, IDC_MESSAGE_TEXT))));
-            await_next();
-            ::SendMessageW(box, WM_COMMAND, MAKEWPARAM(button, BN_CLICKED), 0);
-        });
-    }
-
-    std::vector<int> buttons_;
-    std::optional<support::in_modal_loop> next_;
-};
-
 /// The main dialog over what is stored, with a scripted editor behind its Security button.
 class config_dialog_test : public testing::Test, support::dialog_environment {
 protected:
@@ -69,12 +47,20 @@ protected:
     }
 
     void press(int button) { ::SendMessageW(dialog_->window(), WM_COMMAND, MAKEWPARAM(button, BN_CLICKED), 0); }
-    /// \return what the message boxes said
-    std::vector<std::string> press_security(std::vector<int> answers)
+    /// Answers the message boxes one after the other, at the end by Cancel. \return what they said
+    std::vector<std::string> press_security(const std::vector<int>& answers)
     {
-        const box_answers boxes(std::move(answers));
+        std::vector<std::string> said;
+        std::optional<support::in_modal_loop> next;
+        const std::function<void(HWND)> answer = [&](HWND box) {
+            const int button = said.size() < answers.size() ? answers[said.size()] : IDCANCEL;
+            said.push_back(girder::to_utf8(window_text(::GetDlgItem(box, IDC_MESSAGE_TEXT))));
+            next.emplace(answer);
+            ::SendMessageW(box, WM_COMMAND, MAKEWPARAM(button, BN_CLICKED), 0);
+        };
+        next.emplace(answer);
         press(IDC_SECURITY);
-        return boxes.said;
+        return said;
     }
     bool dirty() const { return ::IsWindowEnabled(dialog_->control(IDC_APPLY)) != FALSE; }
     std::string words() const { return girder::to_utf8(window_text(dialog_->control(IDC_ACCESS_WORDS))); }

@@ -57,38 +57,32 @@ protected:
 
 TEST_F(registry_test, every_kind_reads_back_as_it_was_written)
 {
-    constexpr file_time moment{unix_epoch_ticks + 1'750'852'989 * ticks_per_second};
+    const auto expect_same = [this](auto write, auto read, const auto& written) {
+        (store().open_for_writing().get()->*write)("value", written);
+        read_member("value", 0, [&](const value_reader& value) { EXPECT_EQ((value.*read)(), written); });
+    };
     constexpr nsm::guid id{0x35B11BAB, 0x5238, 0x4E93, {0xB0, 0x6A, 0x92, 0x33, 0x2C, 0x5D, 0x20, 0xFA}};
-    {
-        const auto writer = store().open_for_writing();
-        writer->write_date("date", moment);
-        writer->write_string("text", u"Grüße 日本");
-        writer->write_string("empty", u"");
-        writer->write_guid("guid", id);
-        writer->write_double("double", 0.1);
-        writer->write_double("infinity", std::numeric_limits<double>::infinity());
-        writer->write_float("float", 0.1F);
-        writer->write_boolean("yes", true);
-        writer->write_boolean("no", false);
-        writer->write_binary("bytes", std::as_bytes(std::span("abc")));
-        writer->write_binary("no bytes", {});
-        writer->write_unsigned({"suffixed", value_name::type_code_of_suffix(9)}, 5);
-    }
-    read_member("date", 0, [&](const value_reader& value) { EXPECT_EQ(value.as_date(), moment); });
-    read_member("text", 0, [](const value_reader& value) { EXPECT_EQ(value.as_string(), u"Grüße 日本"); });
-    read_member("empty", 0, [](const value_reader& value) { EXPECT_EQ(value.as_string(), u""); });
-    read_member("guid", 0, [&](const value_reader& value) { EXPECT_EQ(value.as_guid(), id); });
-    read_member("text", 0, [](const value_reader& value) { EXPECT_THROW(value.as_guid(), load_exception); });
-    read_member("double", 0, [](const value_reader& value) { EXPECT_EQ(value.as_double(), 0.1); });
-    read_member("infinity", 0, [](const value_reader& value) { EXPECT_GT(value.as_double(), 1e308); });
-    read_member("float", 0, [](const value_reader& value) { EXPECT_EQ(value.as_float(), 0.1F); });
-    read_member("yes", 0, [](const value_reader& value) { EXPECT_TRUE(value.as_boolean()); });
-    read_member("no", 0, [](const value_reader& value) { EXPECT_FALSE(value.as_boolean()); });
-    read_member("bytes", 0, [](const value_reader& value) { EXPECT_EQ(value.as_binary().size(), 4U); });
-    read_member("no bytes", 0, [](const value_reader& value) { EXPECT_TRUE(value.as_binary().empty()); });
+    expect_same(&value_writer::write_date, &value_reader::as_date,
+                file_time{unix_epoch_ticks + 1'750'852'989 * ticks_per_second});
+    expect_same(&value_writer::write_string, &value_reader::as_string, std::u16string(u"Grüße 日本"));
+    EXPECT_EQ(stored(L"", L"value"), std::pair(DWORD{REG_SZ}, DWORD{18})) << "with its terminating null";
+    read_member("value", 0, [](const value_reader& value) { EXPECT_THROW(value.as_guid(), load_exception); });
+    expect_same(&value_writer::write_string, &value_reader::as_string, std::u16string());
+    expect_same(&value_writer::write_guid, &value_reader::as_guid, id);
+    for (const double number : {0.1, std::numeric_limits<double>::infinity()})
+        expect_same(&value_writer::write_double, &value_reader::as_double, number);
+    expect_same(&value_writer::write_float, &value_reader::as_float, 0.1F);
+    for (const bool flag : {true, false})
+        expect_same(&value_writer::write_boolean, &value_reader::as_boolean, flag);
+    for (const std::size_t size : {0U, 4U})
+        expect_same(&value_writer::write_binary, &value_reader::as_binary, std::vector(size, std::byte{7}));
+}
+
+TEST_F(registry_test, a_suffix_is_part_of_the_values_name)
+{
+    store().open_for_writing()->write_unsigned({"suffixed", value_name::type_code_of_suffix(9)}, 5);
     read_member("suffixed", 9, [](const value_reader& value) { EXPECT_EQ(value.as_unsigned(), 5U); });
     EXPECT_EQ(stored(L"", L"suffixed@9"), std::pair(DWORD{REG_DWORD}, DWORD{4}));
-    EXPECT_EQ(stored(L"", L"text"), std::pair(DWORD{REG_SZ}, DWORD{18})) << "with its terminating null";
 }
 
 TEST_F(registry_test, a_date_without_a_text_is_written_as_null)
