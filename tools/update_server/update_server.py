@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""A web server for the update tests, with an authority of its own.
+"""A web server for updates, with an authority of its own: for the tests and for long use of the program.
 
     update_server.py INSTALLER FOLDER PORT COMMAND ...
 
