@@ -1,7 +1,7 @@
 #include "async/resume.h"
 #include "async/task.h"
 #include "base/handles.h"
-#include "running.h"
+#include "support/detached.h"
 #include "support/handle_count.h"
 
 #include <gtest/gtest.h>
@@ -13,17 +13,46 @@ namespace {
 
 using namespace std::chrono_literals;
 using girder::cancellation;
+using girder::operation_cancelled;
 using girder::task;
 using girder::unique_kernel_handle;
-using support::observe;
-using support::outcome;
 using support::running;
 
+constexpr DWORD patience_ms = 10'000;
 constexpr auto for_ever = 1h;
 
 unique_kernel_handle make_event()
 {
     return unique_kernel_handle{::CreateEventW(nullptr, TRUE, FALSE, nullptr)};
+}
+
+/// How an operation ended, for the thread that waits for it.
+struct outcome {
+    unique_kernel_handle done = make_event();
+    DWORD thread = 0;
+    bool cancelled = false;
+
+    bool wait() const { return ::WaitForSingleObject(done.get(), patience_ms) == WAIT_OBJECT_0; }
+};
+
+/// The last step of an operation on another thread: whoever sees the event may destroy the suspended coroutine.
+struct signal_and_stay {
+    HANDLE event;
+
+    bool await_ready() const noexcept { return false; }
+    void await_suspend(std::coroutine_handle<>) const noexcept { ::SetEvent(event); }
+    void await_resume() const noexcept {}
+};
+
+running observe(task<> operation, outcome& result)
+{
+    try {
+        co_await std::move(operation);
+    } catch (const operation_cancelled&) {
+        result.cancelled = true;
+    }
+    result.thread = ::GetCurrentThreadId();
+    co_await signal_and_stay(result.done.get());
 }
 
 task<> delayed(girder::timer_ticks delay, cancellation cancelled)
@@ -55,9 +84,9 @@ TEST(resume_test, each_way_resumes_on_another_thread)
     for (task<>& operation : operations) {
         outcome result;
         const running started = observe(std::move(operation), result);
-        result.wait();
+        ASSERT_TRUE(result.wait());
         EXPECT_FALSE(result.cancelled);
-        EXPECT_NE(result.thread, std::this_thread::get_id());
+        EXPECT_NE(result.thread, ::GetCurrentThreadId());
     }
     EXPECT_GE(std::chrono::steady_clock::now() - begin, 110ms) << "a delay lasts at least as long as asked";
 }
@@ -83,7 +112,7 @@ TEST(resume_test, cancelling_shows_at_once_before_and_while_an_operation_is_susp
             started.push_back(observe(std::move(operations[i]), results[i]));
         source.request_stop();
         for (const outcome& result : results) {
-            result.wait();
+            ASSERT_TRUE(result.wait());
             EXPECT_TRUE(result.cancelled) << cancel_first;
         }
     }
@@ -96,7 +125,7 @@ TEST(resume_test, cancelling_races_with_the_end_of_the_wait_and_resumes_once)
         outcome result;
         const running started = observe(delayed(std::chrono::microseconds(round % 50), source.get_token()), result);
         source.request_stop();
-        result.wait();
+        ASSERT_TRUE(result.wait());
     }
 }
 
@@ -110,7 +139,7 @@ TEST(resume_test, abandoning_a_suspended_wait_takes_it_back)
             const running timer = observe(delayed(for_ever, {}), result);
             const running wait = observe(signalled(event.get(), {}), result);
         }
-        EXPECT_FALSE(result.ended);
+        EXPECT_EQ(::WaitForSingleObject(result.done.get(), 0), DWORD{WAIT_TIMEOUT});
     }
     EXPECT_LE(support::handle_count(), handles_before + 8);
 }

@@ -3,8 +3,8 @@
 #include "async/ui_thread.h"
 #include "base/system_error.h"
 #include "base/win32_error.h"
-#include "running.h"
 #include "support/counted.h"
+#include "support/detached.h"
 
 #include <gtest/gtest.h>
 
