@@ -130,6 +130,7 @@ TEST(string_layer_test, refuses_a_pack_cut_anywhere)
 {
     const pack_bytes whole = sample();
     ASSERT_TRUE(StringLayer::read(whole, pack_form::with_signature, nullptr));
+    EXPECT_TRUE(read(pack_builder().bare())) << "without any entry";
     for (auto end = whole.begin(); end != whole.end(); ++end)
         EXPECT_FALSE(StringLayer::read(pack_bytes(whole.begin(), end), pack_form::with_signature, nullptr))
             << end - whole.begin();

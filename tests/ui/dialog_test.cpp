@@ -122,6 +122,7 @@ TEST(dialog_test, errors_while_creating_come_out_of_the_creating_call)
     probe dialog;
     dialog.initialising = fail;
     EXPECT_THROW(dialog.open(), std::runtime_error);
+    EXPECT_EQ(dialog.window(), nullptr);
     EXPECT_THROW(dialog.run(nullptr), std::runtime_error);
     EXPECT_EQ(dialog.window(), nullptr);
 

@@ -25,7 +25,7 @@ constexpr message_button every_button[] = {{IDOK, u"OK"},
                                            {IDCANCEL, u"Cancel"},
                                            {IDIGNORE, u"&Ignore"},
                                            {IDTRYAGAIN, u"&Try Again"},
-                                           {IDCONTINUE, u"&Continue"}};
+                                           {IDCONTINUE, u"&Continue all the same"}};
 
 std::vector<message_button> buttons_of(const std::vector<int>& ids)
 {
