@@ -20,31 +20,21 @@ bool exists(const std::u16string& path)
     return ::GetFileAttributesW(as_wide(path)) != INVALID_FILE_ATTRIBUTES;
 }
 
-struct stored_access {
+/// Two are allowed everything, nobody else anything, also in what is made inside.
+void expect_for_administrators_alone(std::u16string path)
+{
     girder::unique_local_memory descriptor;
     PSID owner = nullptr;
     PACL list = nullptr;
-};
-
-stored_access access_of(std::u16string path)
-{
-    stored_access access;
-    EXPECT_EQ(::GetNamedSecurityInfoW(as_wide(path.data()), SE_FILE_OBJECT,
-                                      OWNER_SECURITY_INFORMATION | DACL_SECURITY_INFORMATION, &access.owner, nullptr,
-                                      &access.list, nullptr, access.descriptor.put()),
+    ASSERT_EQ(::GetNamedSecurityInfoW(as_wide(path.data()), SE_FILE_OBJECT,
+                                      OWNER_SECURITY_INFORMATION | DACL_SECURITY_INFORMATION, &owner, nullptr, &list,
+                                      nullptr, descriptor.put()),
               DWORD{ERROR_SUCCESS});
-    return access;
-}
-
-/// Who is allowed anything, where everybody in the list is allowed all.
-void expect_for_administrators_alone(const std::u16string& path)
-{
-    const stored_access access = access_of(path);
-    ASSERT_TRUE(access.list);
-    EXPECT_EQ(access.list->AceCount, 2);
-    for (DWORD i = 0; i < access.list->AceCount; ++i) {
+    ASSERT_TRUE(list);
+    EXPECT_EQ(list->AceCount, 2);
+    for (DWORD i = 0; i < list->AceCount; ++i) {
         void* entry = nullptr;
-        ASSERT_TRUE(::GetAce(access.list, i, &entry));
+        ASSERT_TRUE(::GetAce(list, i, &entry));
         auto& allowed = *static_cast<ACCESS_ALLOWED_ACE*>(entry);
         EXPECT_EQ(allowed.Header.AceType, ACCESS_ALLOWED_ACE_TYPE);
         EXPECT_EQ(allowed.Header.AceFlags & (OBJECT_INHERIT_ACE | CONTAINER_INHERIT_ACE),
@@ -53,7 +43,7 @@ void expect_for_administrators_alone(const std::u16string& path)
         // Wine keeps modes of the host's files: the owner stands there for the administrators.
         EXPECT_TRUE(::IsWellKnownSid(&allowed.SidStart, WinLocalSystemSid) ||
                     ::IsWellKnownSid(&allowed.SidStart, WinBuiltinAdministratorsSid) ||
-                    ::EqualSid(&allowed.SidStart, access.owner));
+                    ::EqualSid(&allowed.SidStart, owner));
     }
 }
 
