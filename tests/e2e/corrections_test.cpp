@@ -10,7 +10,7 @@
 #include <shlobj.h>
 
 #include <fstream>
-#include <sstream>
+#include <iterator>
 
 namespace {
 
@@ -44,11 +44,10 @@ protected:
         return files;
     }
 
-    static std::string content_of(const std::filesystem::path& file)
+    static std::string content_of(const std::filesystem::path& path)
     {
-        std::ostringstream content;
-        content << std::ifstream(file, std::ios::binary).rdbuf();
-        return content.str();
+        std::ifstream file(path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
     }
 
     static LONG width_of(const ui_driver::control& control)
