@@ -1,6 +1,7 @@
 #include "async/byte_lock.h"
 #include "async/continuation.h"
 #include "async/task.h"
+#include "support/counted.h"
 #include "support/detached.h"
 
 #include <gtest/gtest.h>
@@ -20,6 +21,7 @@ namespace {
 using namespace std::chrono_literals;
 using girder::cancellation;
 using girder::task;
+using support::counted;
 using support::running;
 
 TEST(byte_lock_test, one_holder_at_a_time)
@@ -148,26 +150,27 @@ struct mark_and_stay {
     void await_resume() const noexcept {}
 };
 
-task<bool> is_cancelled(std::chrono::microseconds delay, cancellation cancelled)
+task<> wait(std::chrono::microseconds delay, cancellation cancelled)
+{
+    const counted owned;
+    co_await thread_wait(delay, std::move(cancelled));
+}
+
+task<> hop_and_wait(std::chrono::microseconds delay, cancellation cancelled)
+{
+    const counted owned;
+    co_await hop();
+    task<> waiting = wait(delay, std::move(cancelled));
+    co_await std::move(waiting);
+}
+
+running observe(task<> operation, bool& was_cancelled, std::atomic<int>& ended)
 {
     try {
-        co_await thread_wait(delay, std::move(cancelled));
+        co_await std::move(operation);
     } catch (const girder::operation_cancelled&) {
-        co_return true;
+        was_cancelled = true;
     }
-    co_return false;
-}
-
-task<bool> is_cancelled_after_hop(std::chrono::microseconds delay, cancellation cancelled)
-{
-    co_await hop();
-    task<bool> waiting = is_cancelled(delay, std::move(cancelled));
-    co_return co_await std::move(waiting);
-}
-
-running observe(task<bool> waiting, bool& was_cancelled, std::atomic<int>& ended)
-{
-    was_cancelled = co_await std::move(waiting);
     co_await mark_and_stay(ended);
 }
 
@@ -183,12 +186,13 @@ TEST(cancellable_wait_test, ends_once_whether_by_itself_or_by_a_cancellation)
         });
         bool was_cancelled = false;
         std::atomic<int> ended = 0;
-        const running operation = observe(
-            is_cancelled_after_hop(std::chrono::microseconds(round % 50), source.get_token()), was_cancelled, ended);
+        const running operation =
+            observe(hop_and_wait(std::chrono::microseconds(round % 50), source.get_token()), was_cancelled, ended);
         ended.wait(0);
         cancelled += was_cancelled ? 1 : 0;
     }
     EXPECT_GT(cancelled, 0);
+    EXPECT_EQ(counted::alive, 0);
 }
 
 TEST(cancellable_wait_test, a_cancellation_that_comes_before_the_wait_ends_it_too)
@@ -197,7 +201,7 @@ TEST(cancellable_wait_test, a_cancellation_that_comes_before_the_wait_ends_it_to
     source.request_stop();
     bool was_cancelled = false;
     std::atomic<int> ended = 0;
-    const running operation = observe(is_cancelled(1h, source.get_token()), was_cancelled, ended);
+    const running operation = observe(wait(1h, source.get_token()), was_cancelled, ended);
     ended.wait(0);
     EXPECT_TRUE(was_cancelled);
 }
@@ -207,9 +211,10 @@ TEST(cancellable_wait_test, an_abandoned_wait_is_taken_back)
     bool was_cancelled = false;
     std::atomic<int> ended = 0;
     {
-        const running operation = observe(is_cancelled(1h, {}), was_cancelled, ended);
+        const running operation = observe(wait(1h, {}), was_cancelled, ended);
     }
     EXPECT_EQ(ended, 0);
+    EXPECT_EQ(counted::alive, 0);
 }
 
 } // namespace

@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <stdexcept>
 #include <string>
 
 namespace {
@@ -27,13 +26,6 @@ task<std::string> text_after(gate& opened, [[maybe_unused]] counted argument)
     const counted local;
     co_await opened;
     co_return std::string(60, 'x');
-}
-
-task<> failing([[maybe_unused]] counted argument)
-{
-    const counted local;
-    throw std::runtime_error("failed");
-    co_return;
 }
 
 running await_text(gate& opened, std::string& result)
@@ -65,29 +57,6 @@ TEST(task_test, objects_of_an_operation_die_once_wherever_it_is_abandoned)
         opened.waiting.resume();
         EXPECT_EQ(result, std::string(60, 'x'));
     }
-    EXPECT_EQ(counted::alive, 0);
-}
-
-task<> failing_inside()
-{
-    const counted argument;
-    task<> inner = failing(argument);
-    co_await std::move(inner);
-}
-
-TEST(task_test, exceptions_reach_the_awaiter_through_several_tasks)
-{
-    std::string caught;
-    const auto run = [](std::string& text) -> running {
-        try {
-            task<> operation = failing_inside();
-            co_await std::move(operation);
-        } catch (const std::runtime_error& error) {
-            text = error.what();
-        }
-    };
-    const running done = run(caught);
-    EXPECT_EQ(caught, "failed");
     EXPECT_EQ(counted::alive, 0);
 }
 
