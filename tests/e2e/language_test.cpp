@@ -1,6 +1,7 @@
 #include "base/utf.h"
 #include "base/wide.h"
 #include "program_folder.h"
+#include "utility_driver/processes.h"
 
 #include <windows.h>
 
@@ -35,21 +36,23 @@ protected:
         return {};
     }
 
+    static std::string language_in(const utility& program, LRESULT entry)
+    {
+        wchar_t name[80]{};
+        ui_driver::send(program.control(id::language).handle(), CB_GETLBTEXT, static_cast<WPARAM>(entry),
+                        reinterpret_cast<LPARAM>(name));
+        return girder::to_utf8(girder::as_utf16(std::wstring_view(name)));
+    }
     static std::vector<std::string> languages_in(const utility& program)
     {
-        const HWND combo = program.control(id::language).handle();
         std::vector<std::string> names;
-        for (LRESULT i = 0; i < ui_driver::send(combo, CB_GETCOUNT); ++i) {
-            wchar_t name[80]{};
-            ui_driver::send(combo, CB_GETLBTEXT, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(name));
-            names.push_back(girder::to_utf8(girder::as_utf16(std::wstring_view(name))));
-        }
+        for (LRESULT i = 0; i < ui_driver::send(program.control(id::language).handle(), CB_GETCOUNT); ++i)
+            names.push_back(language_in(program, i));
         return names;
     }
-
-    static LRESULT selected_in(const utility& program)
+    static std::string selected_in(const utility& program)
     {
-        return ui_driver::send(program.control(id::language).handle(), CB_GETCURSEL);
+        return language_in(program, ui_driver::send(program.control(id::language).handle(), CB_GETCURSEL));
     }
 
     static std::string apply_text(const ui_driver::dialog& window)
@@ -69,7 +72,7 @@ TEST_F(language_test, the_stored_language_is_shown_and_selected_among_all_in_the
     EXPECT_EQ(apply_text(program), "適用");
     EXPECT_EQ(girder::to_utf8(program.control(id::share_all).text()), "すべてのポートを共有する");
     EXPECT_THAT(languages_in(program), testing::UnorderedElementsAre("English", "Deutsch", "日本語", "简体中文"));
-    EXPECT_EQ(languages_in(program)[static_cast<std::size_t>(selected_in(program))], "日本語");
+    EXPECT_EQ(selected_in(program), "日本語");
     EXPECT_FALSE(program.apply_enabled());
     EXPECT_EQ(program.close(), 0U);
 }
@@ -87,7 +90,7 @@ TEST_F(language_test, a_language_whose_pack_is_gone_is_english_and_stays_stored)
     settings_key::write(u"language", text(u"fr"));
     const utility program;
     EXPECT_EQ(apply_text(program), "Apply");
-    EXPECT_EQ(selected_in(program), 0);
+    EXPECT_EQ(selected_in(program), "English");
     program.control(id::auto_discovery).click();
     program.control(id::apply).click();
     EXPECT_THAT(settings_key::read(), Contains(Pair(u"language", text(u"fr"))));
@@ -102,7 +105,7 @@ TEST_F(language_test, a_malformed_pack_is_listed_and_shows_english)
         const utility program;
         EXPECT_EQ(apply_text(program), "Apply");
         EXPECT_THAT(languages_in(program), ElementsAre("English", "Deutsch"));
-        EXPECT_EQ(selected_in(program), 1);
+        EXPECT_EQ(selected_in(program), "Deutsch");
         EXPECT_EQ(program.close(), 0U);
         if (cut)
             std::ofstream(pack, std::ios::trunc); // empty now: it cannot even be mapped
@@ -173,10 +176,9 @@ TEST_F(language_test, a_change_with_yes_applies_what_is_pending_and_starts_one_c
     EXPECT_FALSE(german.item(id::auto_discovery).checked());
     EXPECT_THAT(settings_key::read(), ElementsAre(Pair(u"autoDiscovery", number(0)), Pair(u"language", text(u"de")),
                                                   Pair(u"sharedPorts", ports({1, 3, 7, 10}))));
-    EXPECT_EQ(ui_driver::find_dialogs(main_window_title).size(), 1U);
-    DWORD process = 0;
-    ::GetWindowThreadProcessId(german.handle(), &process);
-    const girder::unique_kernel_handle copy(::OpenProcess(PROCESS_ALL_ACCESS, FALSE, process));
+    const std::vector<DWORD> copies = processes_of(L"tl_server_config.exe");
+    ASSERT_EQ(copies.size(), 1U);
+    const girder::unique_kernel_handle copy(::OpenProcess(PROCESS_ALL_ACCESS, FALSE, copies[0]));
     EXPECT_EQ(command_line_of(copy.get()), command_line);
     german.post_close();
     EXPECT_EQ(::WaitForSingleObject(copy.get(), static_cast<DWORD>(ui_driver::patience.count())), WAIT_OBJECT_0);
@@ -192,9 +194,8 @@ TEST_F(language_test, a_change_with_no_is_applied_later_and_the_same_language_ag
         EXPECT_TRUE(program.apply_enabled());
         EXPECT_EQ(apply_text(program), "Apply") << "texts never change while the program runs";
         // Unanswered, a question would hold this up.
-        const HWND combo = program.control(id::language).handle();
         ui_driver::send(program.window().handle(), WM_COMMAND, MAKEWPARAM(id::language, CBN_SELCHANGE),
-                        reinterpret_cast<LPARAM>(combo));
+                        reinterpret_cast<LPARAM>(program.control(id::language).handle()));
         EXPECT_THAT(settings_key::read(), IsEmpty());
         program.control(id::apply).click();
         EXPECT_THAT(settings_key::read(), Contains(Pair(u"language", text(u"de"))));
@@ -217,7 +218,7 @@ TEST_F(german_user_test, starts_in_german_with_nothing_stored)
     add_pack(u"fr", u"de-DE.in capitals.1.lpack");
     const utility program;
     EXPECT_EQ(apply_text(program), "Übernehmen");
-    EXPECT_EQ(languages_in(program)[static_cast<std::size_t>(selected_in(program))], "Deutsch");
+    EXPECT_EQ(selected_in(program), "Deutsch");
     EXPECT_FALSE(program.apply_enabled());
     EXPECT_THAT(settings_key::read(), IsEmpty());
     program.control(id::auto_discovery).click();

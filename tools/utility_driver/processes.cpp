@@ -10,17 +10,22 @@
 
 namespace utility_driver {
 
-void end_processes(std::wstring_view executable)
+std::vector<DWORD> processes_of(std::wstring_view executable)
 {
+    std::vector<DWORD> found;
     const girder::unique_file processes(::CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
     PROCESSENTRY32W entry{};
     entry.dwSize = sizeof entry;
-    for (BOOL more = ::Process32FirstW(processes.get(), &entry); more;
-         more = ::Process32NextW(processes.get(), &entry)) {
-        if (entry.szExeFile != executable)
-            continue;
-        const girder::unique_kernel_handle process(
-            ::OpenProcess(PROCESS_TERMINATE | SYNCHRONIZE, FALSE, entry.th32ProcessID));
+    for (BOOL more = ::Process32FirstW(processes.get(), &entry); more; more = ::Process32NextW(processes.get(), &entry))
+        if (entry.szExeFile == executable)
+            found.push_back(entry.th32ProcessID);
+    return found;
+}
+
+void end_processes(std::wstring_view executable)
+{
+    for (const DWORD id : processes_of(executable)) {
+        const girder::unique_kernel_handle process(::OpenProcess(PROCESS_TERMINATE | SYNCHRONIZE, FALSE, id));
         if (!process)
             continue;
         ::TerminateProcess(process.get(), 1);
