@@ -1,45 +1,14 @@
 #pragma once
 
+#include "handle_figures/handle_figures.h"
+
 #include <windows.h>
 
-#include <winternl.h>
-
-#include <algorithm>
 #include <cstddef>
-#include <cstdint>
-#include <stdexcept>
-#include <vector>
 
 namespace support {
 
-/// How many GDI objects a process has. GetGuiResources would be the documented way, but Wine's always tells 0; its
-/// table of them is where the system's was before.
-inline std::size_t gdi_object_count(HANDLE process)
-{
-    if (const DWORD told = ::GetGuiResources(process, GR_GDIOBJECTS))
-        return told;
-    struct entry {
-        std::uint64_t object;
-        std::uint32_t owner;
-        std::uint16_t unique;
-        std::uint8_t type; // 0: free
-        std::uint8_t flags;
-        std::uint64_t data;
-    };
-    constexpr std::size_t table_in_environment_block = 0xF8;
-    constexpr std::size_t most_entries = 0x10000;
-    const auto query = reinterpret_cast<decltype(&::NtQueryInformationProcess)>(
-        reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleW(L"ntdll.dll"), "NtQueryInformationProcess")));
-    PROCESS_BASIC_INFORMATION basic{};
-    const std::byte* table = nullptr;
-    std::vector<entry> entries(most_entries);
-    if (query(process, ProcessBasicInformation, &basic, sizeof basic, nullptr) < 0 ||
-        !::ReadProcessMemory(process, reinterpret_cast<std::byte*>(basic.PebBaseAddress) + table_in_environment_block,
-                             &table, sizeof table, nullptr) ||
-        !::ReadProcessMemory(process, table, entries.data(), entries.size() * sizeof(entry), nullptr))
-        throw std::runtime_error("the table of GDI objects");
-    return static_cast<std::size_t>(std::ranges::count_if(entries, [](const entry& each) { return each.type != 0; }));
-}
+using handle_figures::gdi_object_count;
 
 /// How many windows a process has, visible or not.
 inline std::size_t window_count(DWORD process)

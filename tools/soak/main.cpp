@@ -14,7 +14,6 @@
 #include <windows.h>
 
 #include <psapi.h>
-#include <winternl.h>
 
 #include <array>
 #include <chrono>
@@ -36,35 +35,6 @@ struct figure {
     bool judged = true;
 };
 using figures = std::array<figure, 5>;
-
-/// The objects of GDI in a process's handle table, of which every process has a view. GetGuiResources would be the
-/// documented way, but Wine's always tells 0.
-std::size_t gdi_objects(HANDLE process)
-{
-    struct entry {
-        std::uint64_t object;
-        std::uint16_t owner;
-        std::uint16_t count;
-        std::uint16_t unique;
-        std::uint8_t type;
-        std::uint8_t flags;
-        std::uint64_t user;
-    };
-    constexpr std::size_t table_size = 0x10000;
-    constexpr std::size_t table_in_process_block = 0xF8;
-    const auto query = reinterpret_cast<decltype(::NtQueryInformationProcess)*>(
-        reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleW(L"ntdll.dll"), "NtQueryInformationProcess")));
-    PROCESS_BASIC_INFORMATION basics{};
-    const void* table = nullptr;
-    std::vector<entry> entries(table_size);
-    if (query(process, ProcessBasicInformation, &basics, sizeof basics, nullptr) != 0 ||
-        !::ReadProcessMemory(process,
-                             reinterpret_cast<const std::byte*>(basics.PebBaseAddress) + table_in_process_block,
-                             static_cast<void*>(&table), sizeof table, nullptr) ||
-        !::ReadProcessMemory(process, table, entries.data(), entries.size() * sizeof(entry), nullptr))
-        girder::throw_last_error("ReadProcessMemory");
-    return static_cast<std::size_t>(std::ranges::count_if(entries, [](const entry& each) { return each.type != 0; }));
-}
 
 /// What is committed for the process alone, by the map of its address space. The counter of the system would count in
 /// Wine also what the display's software renderer takes beneath that map.
@@ -97,8 +67,8 @@ figures look_at(const utility& program)
                    {.name = "KiB by the system's counter", .judged = false}}};
     for (const auto until = clock::now() + 12s; clock::now() < until; ::Sleep(500)) {
         const std::array<std::size_t, 5> now{handle_figures::handle_count(program.process_id()),
-                                             gdi_objects(program.process()), handle_figures::handle_marks()[2],
-                                             committed_kilobytes(program.process()),
+                                             handle_figures::gdi_object_count(program.process()),
+                                             handle_figures::handle_marks()[2], committed_kilobytes(program.process()),
                                              counted_kilobytes(program.process())};
         for (std::size_t i = 0; i < now.size(); ++i)
             least.at(i).value = std::min(least.at(i).value, now.at(i));

@@ -51,14 +51,9 @@ int dialog::focused() const noexcept
 {
     GUITHREADINFO info{};
     info.cbSize = sizeof info;
-    if (!::GetGUIThreadInfo(thread_id(), &info) || !info.hwndFocus)
+    if (!::GetGUIThreadInfo(::GetWindowThreadProcessId(window_, nullptr), &info) || !info.hwndFocus)
         return 0;
     return ::GetDlgCtrlID(info.hwndFocus);
-}
-
-int dialog::default_button() const
-{
-    return LOWORD(send(window_, DM_GETDEFID));
 }
 
 void dialog::post_close() const noexcept

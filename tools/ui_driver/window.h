@@ -28,7 +28,6 @@ public:
     HWND handle() const noexcept { return window_; }
     int id() const noexcept { return ::GetDlgCtrlID(window_); }
     bool enabled() const noexcept { return ::IsWindowEnabled(window_) != FALSE; }
-    bool visible() const noexcept { return ::IsWindowVisible(window_) != FALSE; }
     /// \throws timed_out
     std::u16string text() const;
 
@@ -50,7 +49,6 @@ public:
 
     HWND handle() const noexcept { return window_; }
     bool exists() const noexcept { return ::IsWindow(window_) != FALSE; }
-    DWORD thread_id() const noexcept { return ::GetWindowThreadProcessId(window_, nullptr); }
 
     /// \throws std::out_of_range when there is no such control
     control item(int id) const;
@@ -58,8 +56,6 @@ public:
 
     /// The id of the control with the keyboard focus, 0 when none of this thread's windows has it.
     int focused() const noexcept;
-    /// The default push button as the dialog itself tells (DM_GETDEFID). \throws timed_out
-    int default_button() const;
 
     /// Asks the window to close, as its close box does, without waiting.
     void post_close() const noexcept;

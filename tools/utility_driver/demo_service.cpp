@@ -76,13 +76,6 @@ void demo_service::start() const
         throw timed_out("the service does not start");
 }
 
-bool demo_service::stop() const
-{
-    SERVICE_STATUS status{};
-    ::ControlService(open_demo_service().get(), SERVICE_CONTROL_STOP, &status);
-    return eventually([] { return state() == SERVICE_STOPPED; });
-}
-
 DWORD demo_service::state()
 {
     SERVICE_STATUS status{};

@@ -29,8 +29,6 @@ public:
     void install() const;
     /// Starts the service and waits until it runs. \throws ui_driver::timed_out
     void start() const;
-    /// \return whether the service has stopped
-    bool stop() const;
     /// SERVICE_STATUS::dwCurrentState; 0 when there is no service.
     static DWORD state();
     static bool exists() { return state() != 0; }

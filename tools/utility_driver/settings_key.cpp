@@ -63,11 +63,6 @@ void settings_key::block()
         girder::throw_win32(static_cast<DWORD>(status), "RegCreateKeyExW");
 }
 
-bool settings_key::exists()
-{
-    return static_cast<bool>(open_key());
-}
-
 void settings_key::write(const std::u16string& name, const stored_value& value)
 {
     const LSTATUS status = ::RegSetKeyValueW(HKEY_LOCAL_MACHINE, path, girder::as_wide(name), value.type,

@@ -31,7 +31,6 @@ namespace settings_key {
 
 /// Removes the key and what is beside it.
 void remove();
-bool exists();
 /// Removes the key and keeps it from being created until remove() is called.
 void block();
 /// Creates the key when it is missing.
