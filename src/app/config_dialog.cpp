@@ -1,6 +1,5 @@
 #include "app/config_dialog.h"
 
-#include "app/about_dialog.h"
 #include "app/access_command.h"
 #include "app/config_layout.h"
 #include "app/error_log.h"
@@ -322,11 +321,6 @@ void ConfigDialog::on_security()
     show_dirty();
     show_who_can_connect();
     lay_out(dpi());
-}
-
-void ConfigDialog::on_about()
-{
-    AboutDialog(update_ ? update_->announcements() : std::u16string()).show(window());
 }
 
 void ConfigDialog::on_language_selected()

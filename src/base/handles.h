@@ -19,6 +19,7 @@ void free_local(void* memory) noexcept;
 void close_key(HKEY key) noexcept;
 void close_service(SC_HANDLE handle) noexcept;
 void delete_gdi(HGDIOBJ object) noexcept;
+void delete_device(HDC device) noexcept;
 
 /// Processes, threads, events, mutexes and mappings: they fail with null.
 struct kernel {
@@ -82,6 +83,13 @@ struct gdi {
     static void close(raw_type object) noexcept { delete_gdi(object); }
 };
 
+/// CreateCompatibleDC. What is selected into it goes before it.
+struct memory_device {
+    using raw_type = HDC;
+    static constexpr raw_type empty() noexcept { return nullptr; }
+    static void close(raw_type device) noexcept { delete_device(device); }
+};
+
 } // namespace handle_traits
 
 using unique_kernel_handle = unique_handle<handle_traits::kernel>;
@@ -93,5 +101,6 @@ using unique_local_memory = unique_handle<handle_traits::local_memory>;
 using unique_registry_key = unique_handle<handle_traits::registry_key>;
 using unique_service_handle = unique_handle<handle_traits::service>;
 using unique_font = unique_handle<handle_traits::gdi<HFONT>>;
+using unique_memory_device = unique_handle<handle_traits::memory_device>;
 
 } // namespace girder

@@ -70,4 +70,10 @@ void delete_gdi(HGDIOBJ object) noexcept
     ::DeleteObject(object);
 }
 
+void delete_device(HDC device) noexcept
+{
+    const last_error_keeper keeper;
+    ::DeleteDC(device);
+}
+
 } // namespace girder::handle_traits

@@ -1,6 +1,7 @@
 #include "ui/drawing.h"
 
 #include "base/debug_log.h"
+#include "base/handles.h"
 #include "base/system_error.h"
 #include "base/win32_error.h"
 
@@ -26,6 +27,7 @@ drawing::drawing() : direct2d_library_(u"d2d1.dll"), direct_write_library_(u"dwr
                                       reinterpret_cast<IUnknown**>(direct_write_.put())),
                     "DWriteCreateFactory");
     make_target();
+    draw_once();
 }
 
 drawing* drawing::shared()
@@ -39,6 +41,13 @@ drawing* drawing::shared()
         }
     }();
     return only.get();
+}
+
+void drawing::draw_once()
+{
+    const unique_memory_device memory(::CreateCompatibleDC(nullptr));
+    const RECT pixel{.left = 0, .top = 0, .right = 1, .bottom = 1};
+    static_cast<void>(paint_once(memory.get(), pixel, [](ID2D1RenderTarget& target) { target.Clear(nullptr); }));
 }
 
 void drawing::make_target()

@@ -12,7 +12,7 @@
 
 namespace girder::ui {
 
-/// Direct2D and DirectWrite, loaded from the system's folder while the object lives. One thread.
+/// Direct2D and DirectWrite, loaded from the system's folder while the object lives. One thread at a time.
 class drawing {
 public:
     /// \throws system_error where this system cannot draw with them
@@ -22,6 +22,7 @@ public:
     ~drawing() = default;
 
     /// The object of the process; null where this system cannot draw so, which is logged once: GDI has to do then.
+    /// The first call, on any thread, can take most of a second where Direct2D has no hardware to draw with.
     static drawing* shared();
 
     IDWriteFactory& direct_write() const noexcept { return *direct_write_.get(); }
@@ -34,6 +35,8 @@ public:
 
 private:
     void make_target();
+    /// The first time takes longer than all others. Where it fails, so will the drawings, and tell.
+    void draw_once();
     HRESULT paint_once(HDC device, const RECT& part, const std::function<void(ID2D1RenderTarget&)>& draw);
 
     system_library direct2d_library_;

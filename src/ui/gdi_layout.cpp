@@ -11,12 +11,6 @@
 namespace girder::ui {
 namespace {
 
-struct memory_device {
-    using raw_type = HDC;
-    static constexpr raw_type empty() noexcept { return nullptr; }
-    static void close(raw_type device) noexcept { ::DeleteDC(device); }
-};
-
 /// The fonts of the styles, made from the window's own.
 class style_fonts {
 public:
@@ -116,7 +110,7 @@ private:
 
     const rich_text& text_;
     style_fonts fonts_;
-    unique_handle<memory_device> device_;
+    unique_memory_device device_;
     text_flow flow_;
 };
 
