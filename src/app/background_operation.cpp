@@ -2,7 +2,6 @@
 
 #include "app/error_log.h"
 #include "app/wait_dialog.h"
-#include "async/cancellation.h"
 #include "async/srw_lock.h"
 
 namespace tidelink {
@@ -25,7 +24,7 @@ private:
 /// Shows the wait dialog until the end of the operation is told.
 class end_watch {
 public:
-    end_watch(details::operation_end& end, girder::ui_thread& thread, const std::stop_source& cancel)
+    end_watch(details::operation_end& end, girder::ui_thread& thread, const girder::cancellation_source& cancel)
         : end_(end), box_(std::make_shared<wait_dialog>(cancel, [this, &thread] { return close_at_end(thread); }))
     {}
     end_watch(const end_watch&) = delete;
@@ -80,19 +79,19 @@ bool operation_end::wait_briefly() noexcept
     return told_;
 }
 
-void operation_end::await(HWND owner, girder::ui_thread& thread, const std::stop_source& cancel)
+void operation_end::await(HWND owner, girder::ui_thread& thread, const girder::cancellation_source& cancel)
 {
     if (!wait_briefly()) {
         const wait_cursor cursor;
         try {
             end_watch(*this, thread, cancel).show(owner);
         } catch (...) {
-            cancel.request_stop();
+            cancel.request();
             throw;
         }
     }
     if (!told()) {
-        cancel.request_stop();
+        cancel.request();
         throw girder::operation_cancelled();
     }
     if (error_)

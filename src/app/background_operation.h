@@ -1,5 +1,6 @@
 #pragma once
 
+#include "async/cancellation.h"
 #include "async/resume.h"
 #include "async/task.h"
 #include "async/ui_thread.h"
@@ -11,7 +12,6 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <stop_token>
 #include <type_traits>
 #include <utility>
 
@@ -33,7 +33,7 @@ public:
     /// Blocks half a second at most, then shows the wait dialog until the operation has ended. When the dialog cannot
     /// be shown or goes away before, as with its owner, the operation is asked to cancel and left to end by itself.
     /// \throws what the operation threw; operation_cancelled when it was left; what kept the dialog from being shown
-    void await(HWND owner, girder::ui_thread& thread, const std::stop_source& cancel);
+    void await(HWND owner, girder::ui_thread& thread, const girder::cancellation_source& cancel);
 
     /// \param notice  called once, on the thread on which the operation ends, unless the end is told already
     /// \return whether the end is still to come
@@ -108,7 +108,8 @@ unowned run(std::shared_ptr<operation_result<T>> result, girder::task<T> operati
 /// \param operation  not started; it never resumes on the user-interface thread, and refers to nothing of the caller
 /// \throws what the operation throws; girder::operation_cancelled when it was cancelled or left behind
 template <typename T>
-T RunWithWaitDialog(HWND owner, girder::ui_thread& thread, const std::stop_source& cancel, girder::task<T> operation)
+T RunWithWaitDialog(HWND owner, girder::ui_thread& thread, const girder::cancellation_source& cancel,
+                    girder::task<T> operation)
 {
     const auto result = std::make_shared<details::operation_result<T>>();
     details::run(result, std::move(operation));

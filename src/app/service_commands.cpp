@@ -10,7 +10,6 @@
 #include "ui/controls.h"
 
 #include <exception>
-#include <stop_token>
 #include <utility>
 
 namespace tidelink {
@@ -83,8 +82,8 @@ void service_commands::perform(const std::function<void()>& steps)
 
 void service_commands::run(operation start)
 {
-    const std::stop_source cancel;
-    RunWithWaitDialog(dialog_.window(), thread_, cancel, start(cancel.get_token()));
+    const girder::cancellation_source cancel;
+    RunWithWaitDialog(dialog_.window(), thread_, cancel, start(cancel.get()));
 }
 
 } // namespace tidelink

@@ -47,7 +47,7 @@ update_offer::update_offer(girder::ui_thread& thread, girder::ui::dialog& dialog
 
 update_offer::~update_offer()
 {
-    cancel_.request_stop();
+    cancel_.request();
     if (!result_)
         return;
     result_->do_not_call();
@@ -88,8 +88,7 @@ bool update_offer::on_timer(WPARAM timer)
 void update_offer::start()
 {
     result_ = std::make_shared<check_result>();
-    details::run(result_,
-                 check_for_update(settings_.source, encode(girder::read_product_version()), cancel_.get_token()));
+    details::run(result_, check_for_update(settings_.source, encode(girder::read_product_version()), cancel_.get()));
     const auto notice = [&thread = thread_, weak = std::weak_ptr(alive_)] {
         thread.post([weak] {
             if (const auto self = weak.lock())

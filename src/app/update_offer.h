@@ -1,13 +1,13 @@
 #pragma once
 
 #include "app/background_operation.h"
+#include "async/cancellation.h"
 #include "async/ui_thread.h"
 #include "ui/dialog.h"
 #include "update/update_check.h"
 
 #include <functional>
 #include <memory>
-#include <stop_token>
 #include <string>
 
 namespace tidelink {
@@ -54,7 +54,7 @@ private:
     girder::ui::dialog& dialog_;
     settings settings_;
     changes changes_;
-    std::stop_source cancel_;
+    girder::cancellation_source cancel_;
     Manifest manifest_; ///< of the last answer
     std::shared_ptr<check_result> result_;
     std::shared_ptr<update_offer*> alive_ = std::make_shared<update_offer*>(this); ///< for what was posted

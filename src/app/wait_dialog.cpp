@@ -13,7 +13,7 @@ namespace tidelink {
 
 using namespace girder::ui;
 
-wait_dialog::wait_dialog(std::stop_source cancel, std::function<bool()> still_wanted)
+wait_dialog::wait_dialog(girder::cancellation_source cancel, std::function<bool()> still_wanted)
     : cancel_(std::move(cancel)), still_wanted_(std::move(still_wanted))
 {}
 
@@ -40,7 +40,7 @@ bool wait_dialog::on_command(WPARAM command, LPARAM)
 {
     if (LOWORD(command) != IDCANCEL)
         return false;
-    cancel_.request_stop();
+    cancel_.request();
     close_unless_wanted();
     return true;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "async/cancellation.h"
 #include "ui/control_measure.h"
 #include "ui/dialog.h"
 #include "ui/layout.h"
@@ -7,7 +8,6 @@
 #include <windows.h>
 
 #include <functional>
-#include <stop_token>
 
 namespace tidelink {
 
@@ -16,7 +16,7 @@ namespace tidelink {
 class wait_dialog : public girder::ui::dialog {
 public:
     /// \param still_wanted  asked when the box has been built, and after Esc: false ends it
-    wait_dialog(std::stop_source cancel, std::function<bool()> still_wanted);
+    wait_dialog(girder::cancellation_source cancel, std::function<bool()> still_wanted);
 
     /// Shows the box until close(), or until it is destroyed with its owner.
     /// \throws girder::system_error
@@ -33,7 +33,7 @@ protected:
 private:
     void close_unless_wanted();
 
-    std::stop_source cancel_;
+    girder::cancellation_source cancel_;
     std::function<bool()> still_wanted_;
     HWND owner_ = nullptr;
 };

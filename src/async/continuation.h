@@ -5,11 +5,9 @@
 
 #include <atomic>
 #include <coroutine>
-#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <stop_token>
 #include <utility>
 
 // How a suspended operation continues on another thread exactly once, although more than one event may want it to, and
@@ -118,7 +116,7 @@ private:
     bool cancel_requested_ = false;
     cancellation cancelled_;
     std::unique_ptr<Event> event_;
-    std::optional<std::stop_callback<std::function<void()>>> on_cancel_;
+    std::optional<cancellation_callback> on_cancel_;
 };
 
 } // namespace girder::details

@@ -52,7 +52,7 @@ public:
     explicit resume_after(timer_ticks delay, cancellation cancelled = {}) noexcept;
     ~resume_after();
 
-    bool await_ready() const noexcept { return cancelled_.stop_requested(); }
+    bool await_ready() const noexcept { return cancelled_.requested(); }
     void await_suspend(std::coroutine_handle<> operation);
     void await_resume();
 
@@ -69,7 +69,7 @@ public:
     explicit resume_on_signal(HANDLE handle, cancellation cancelled = {}) noexcept;
     ~resume_on_signal();
 
-    bool await_ready() const noexcept { return cancelled_.stop_requested(); }
+    bool await_ready() const noexcept { return cancelled_.requested(); }
     void await_suspend(std::coroutine_handle<> operation);
     void await_resume();
 

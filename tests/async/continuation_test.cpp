@@ -179,15 +179,15 @@ TEST(cancellable_wait_test, ends_once_whether_by_itself_or_by_a_cancellation)
     int cancelled = 0;
     constexpr int rounds = 300;
     for (int round = 0; round < rounds; ++round) {
-        std::stop_source source;
+        girder::cancellation_source source;
         std::jthread canceller([&source, round] {
             std::this_thread::sleep_for(std::chrono::microseconds(round % 40));
-            source.request_stop();
+            source.request();
         });
         bool was_cancelled = false;
         std::atomic<int> ended = 0;
         const running operation =
-            observe(hop_and_wait(std::chrono::microseconds(round % 50), source.get_token()), was_cancelled, ended);
+            observe(hop_and_wait(std::chrono::microseconds(round % 50), source.get()), was_cancelled, ended);
         ended.wait(0);
         cancelled += was_cancelled ? 1 : 0;
     }
@@ -197,11 +197,11 @@ TEST(cancellable_wait_test, ends_once_whether_by_itself_or_by_a_cancellation)
 
 TEST(cancellable_wait_test, a_cancellation_that_comes_before_the_wait_ends_it_too)
 {
-    std::stop_source source;
-    source.request_stop();
+    girder::cancellation_source source;
+    source.request();
     bool was_cancelled = false;
     std::atomic<int> ended = 0;
-    const running operation = observe(wait(1h, source.get_token()), was_cancelled, ended);
+    const running operation = observe(wait(1h, source.get()), was_cancelled, ended);
     ended.wait(0);
     EXPECT_TRUE(was_cancelled);
 }

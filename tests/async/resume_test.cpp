@@ -96,21 +96,21 @@ TEST(resume_test, cancelling_shows_at_once_before_and_while_an_operation_is_susp
     girder::ui_thread here(WM_APP + 8);
     const unique_kernel_handle never = make_event();
     for (const bool cancel_first : {true, false}) {
-        std::stop_source source;
+        girder::cancellation_source source;
         if (cancel_first)
-            source.request_stop();
+            source.request();
         std::vector<task<>> operations;
-        operations.push_back(delayed(for_ever, source.get_token()));
-        operations.push_back(signalled(never.get(), source.get_token()));
+        operations.push_back(delayed(for_ever, source.get()));
+        operations.push_back(signalled(never.get(), source.get()));
         if (cancel_first) {
-            operations.push_back(on_a_pool_thread(source.get_token()));
-            operations.push_back(on_thread(here, source.get_token()));
+            operations.push_back(on_a_pool_thread(source.get()));
+            operations.push_back(on_thread(here, source.get()));
         }
         std::vector<outcome> results(operations.size());
         std::vector<running> started;
         for (std::size_t i = 0; i < operations.size(); ++i)
             started.push_back(observe(std::move(operations[i]), results[i]));
-        source.request_stop();
+        source.request();
         for (const outcome& result : results) {
             ASSERT_TRUE(result.wait());
             EXPECT_TRUE(result.cancelled) << cancel_first;
@@ -121,10 +121,10 @@ TEST(resume_test, cancelling_shows_at_once_before_and_while_an_operation_is_susp
 TEST(resume_test, cancelling_races_with_the_end_of_the_wait_and_resumes_once)
 {
     for (int round = 0; round < 500; ++round) {
-        std::stop_source source;
+        girder::cancellation_source source;
         outcome result;
-        const running started = observe(delayed(std::chrono::microseconds(round % 50), source.get_token()), result);
-        source.request_stop();
+        const running started = observe(delayed(std::chrono::microseconds(round % 50), source.get()), result);
+        source.request();
         ASSERT_TRUE(result.wait());
     }
 }

@@ -205,18 +205,18 @@ TEST_F(http_session_test, cancelling_ends_a_transfer_at_once)
 {
     for (const std::string begun : {"", "HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\nabc"}) {
         const scripted_server server(begun, hold_open);
-        std::stop_source cancel;
+        girder::cancellation_source cancel;
         const std::jthread canceller([&cancel] {
             ::Sleep(50);
-            cancel.request_stop();
+            cancel.request();
         });
         const auto start = std::chrono::steady_clock::now();
-        EXPECT_TRUE(fetch(server.base(), u"/", cancel.get_token()).cancelled);
+        EXPECT_TRUE(fetch(server.base(), u"/", cancel.get()).cancelled);
         EXPECT_LT(std::chrono::steady_clock::now() - start, small_limits.silence);
     }
-    std::stop_source cancelled_before;
-    cancelled_before.request_stop();
-    EXPECT_TRUE(fetch(u"http://127.0.0.1:9", u"/", cancelled_before.get_token()).cancelled);
+    girder::cancellation_source cancelled_before;
+    cancelled_before.request();
+    EXPECT_TRUE(fetch(u"http://127.0.0.1:9", u"/", cancelled_before.get()).cancelled);
 }
 
 } // namespace
