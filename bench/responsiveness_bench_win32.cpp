@@ -35,8 +35,11 @@ struct flow {
     std::chrono::milliseconds aside{};
 };
 
-void wait_until_enabled(const utility& program)
+void press_and_wait(const utility& program, int button)
 {
+    program.control(button).post_click();
+    program.message(wait_title).wait_until_closed();
+    // The window is there once it is enabled again.
     static_cast<void>(program.window());
 }
 
@@ -67,19 +70,9 @@ std::vector<flow> flows()
              utility::answer(program.message(question_title), id::no);
          }},
         {"a start of the service, behind its first 500 ms",
-         [](const utility& program) {
-             program.control(id::start).post_click();
-             program.message(wait_title).wait_until_closed();
-             wait_until_enabled(program);
-         },
-         silent_wait},
+         [](const utility& program) { press_and_wait(program, id::start); }, silent_wait},
         {"a stop of the service, behind its first 500 ms",
-         [](const utility& program) {
-             program.control(id::stop).post_click();
-             program.message(wait_title).wait_until_closed();
-             wait_until_enabled(program);
-         },
-         silent_wait},
+         [](const utility& program) { press_and_wait(program, id::stop); }, silent_wait},
     };
 }
 
