@@ -19,7 +19,6 @@ namespace {
 
 using namespace tidelink;
 using girder::ui::window_text;
-using support::editor_that_sets;
 using support::list_of;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -139,7 +138,10 @@ TEST_F(config_dialog_test, cancel_in_the_editor_changes_and_asks_nothing)
 TEST_F(config_dialog_test, the_words_follow_each_edit_and_the_next_one_starts_from_the_last)
 {
     open(users_alone);
-    set_editor(editor_that_sets("-u7 +AU +u8"));
+    set_editor(support::scripted_editor([](support::open_editor& editor) {
+        editor.apply("-u7 +AU +u8");
+        return true;
+    }));
     press(IDC_SECURITY);
     EXPECT_EQ(words(), "2 accounts or groups, 1 denied");
     set_editor(support::scripted_editor([](support::open_editor& editor) {

@@ -2,22 +2,9 @@
 
 #include "security/access_entry.h"
 
-#include <gtest/gtest.h>
-
 #include <cstdio>
-#include <map>
 #include <sstream>
 #include <string>
-
-namespace tidelink {
-
-inline void PrintTo(const access_entry& entry, std::ostream* out)
-{
-    *out << std::hex << "kind " << static_cast<int>(entry.kind) << ", flags " << static_cast<int>(entry.flags)
-         << ", mask " << entry.mask << ", identity " << testing::PrintToString(entry.sid);
-}
-
-} // namespace tidelink
 
 namespace support {
 
@@ -27,9 +14,10 @@ constexpr unsigned in_editor = 1;
 /// The identity of a name in the notation below.
 inline std::vector<std::byte> identity_of(const std::string& name)
 {
-    static const std::map<std::string, std::pair<int, int>> well_known = {
-        {"SU", {5, 6}}, {"WD", {1, 0}}, {"AU", {5, 11}}};
-    const auto [authority, part] = name[0] == 'u' ? std::pair(9, std::stoi(name.substr(1))) : well_known.at(name);
+    const auto [authority, part] = name == "SU"   ? std::pair(5, 6)
+                                   : name == "WD" ? std::pair(1, 0)
+                                   : name == "AU" ? std::pair(5, 11)
+                                                  : std::pair(9, std::stoi(name.substr(1)));
     const auto sid =
         tidelink::detail::sid_of_one_part(static_cast<std::uint8_t>(authority), static_cast<std::uint8_t>(part));
     return {sid.begin(), sid.end()};

@@ -7,6 +7,7 @@
 #include "security/security_descriptor.h"
 
 #include <aclui.h>
+#include <gtest/gtest.h>
 
 #include <utility>
 
@@ -60,15 +61,6 @@ tidelink::access_editor scripted_editor(Script script)
         open_editor editor(information);
         return script(editor);
     };
-}
-
-/// OK after a new list was made.
-inline tidelink::access_editor editor_that_sets(std::string notation)
-{
-    return scripted_editor([notation = std::move(notation)](open_editor& editor) {
-        editor.apply(notation);
-        return true;
-    });
 }
 
 } // namespace support
