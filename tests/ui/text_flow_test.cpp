@@ -33,11 +33,9 @@ TEST(text_flow_test, breaks)
         std::string_view pieces;
         extent size;
     } cases[] = {
-        {"empty", u"", 50, "", {0, 10}},
         {"blanks_may_hang_over", u"abc  d", 30, "abc  @0,0 d@0,10 ", {30, 20}},
         {"line_feeds", u"a\n\nb\n", 50, "a@0,0 b@0,20 ", {10, 40}},
         {"long_word", u"a bcdefg h", 30, "a @0,0 bcd@0,10 efg @0,20 h@0,30 ", {30, 40}},
-        {"narrower_than_a_character", u"ab", 5, "a@0,0 b@0,10 ", {10, 20}},
         {"surrogates_stay_together", u"\U0001F600\U0001F600", 5, "??@0,0 ??@0,10 ", {20, 20}},
         {"between_ideographs", u"\u6B21\u306E\u30DD", 20, "?@0,0 ?@10,0 ?@0,10 ", {20, 20}},
         {"common_base_line", u"a [[[s:200:B]]]", 90, "a @0,8 B@20,0 ", {40, 20}},
