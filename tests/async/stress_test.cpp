@@ -36,38 +36,34 @@ task<> hop(girder::ui_thread& ui, int number)
         girder::throw_win32(static_cast<DWORD>(number), "odd");
 }
 
-struct progress {
-    int ended = 0;
-    std::int64_t sum_of_codes = 0;
-};
-
-running observe(girder::ui_thread& ui, int number, progress& all)
+running observe(girder::ui_thread& ui, int number, int& ended, std::int64_t& sum_of_codes)
 {
     std::uint32_t code = 0;
+    task<> operation = hop(ui, number);
     try {
-        task<> operation = hop(ui, number);
         co_await std::move(operation);
     } catch (const girder::system_error& error) {
         code = error.code();
     }
     co_await girder::resume_foreground(ui);
-    ++all.ended;
-    all.sum_of_codes += code;
+    ++ended;
+    sum_of_codes += code;
 }
 
 TEST(stress_test, ten_thousand_tasks_hop_between_the_pool_and_the_user_interface_thread)
 {
     girder::ui_thread ui(message_number);
-    progress all;
+    int ended = 0;
+    std::int64_t sum_of_codes = 0;
     std::deque<running> operations;
-    for (int started = 0; all.ended < all_tasks;) {
-        for (; started < all_tasks && started - all.ended < at_a_time; ++started)
-            operations.push_back(observe(ui, started, all));
+    for (int started = 0; ended < all_tasks;) {
+        for (; started < all_tasks && started - ended < at_a_time; ++started)
+            operations.push_back(observe(ui, started, ended, sum_of_codes));
         MSG message;
         ASSERT_TRUE(::GetMessageW(&message, nullptr, message_number, message_number));
         ui.run(message);
     }
-    EXPECT_EQ(all.sum_of_codes, std::int64_t{all_tasks / 2} * (all_tasks / 2)) << "every error with its code";
+    EXPECT_EQ(sum_of_codes, std::int64_t{all_tasks / 2} * (all_tasks / 2)) << "every error with its code";
     operations.clear();
     EXPECT_EQ(counted::alive, 0);
 }

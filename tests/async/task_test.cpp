@@ -60,22 +60,4 @@ TEST(task_test, objects_of_an_operation_die_once_wherever_it_is_abandoned)
     EXPECT_EQ(counted::alive, 0);
 }
 
-task<int> one()
-{
-    co_return 1;
-}
-
-TEST(task_test, a_long_loop_of_awaits_needs_no_stack)
-{
-    int sum = 0;
-    const auto add_up = [](int& total) -> running {
-        for (int i = 0; i < 1'000'000; ++i) {
-            task<int> next = one();
-            total += co_await std::move(next);
-        }
-    };
-    const running done = add_up(sum);
-    EXPECT_EQ(sum, 1'000'000);
-}
-
 } // namespace
