@@ -25,7 +25,6 @@ public:
     }
     debug_monitor(const debug_monitor&) = delete;
     debug_monitor& operator=(const debug_monitor&) = delete;
-    ~debug_monitor() = default;
 
     /// All that a process has written so far.
     std::string of(DWORD process)
@@ -47,11 +46,9 @@ private:
         while (!ending.stop_requested()) {
             if (::WaitForSingleObject(written_.get(), interval_ms) != WAIT_OBJECT_0)
                 continue;
-            const auto* const received = static_cast<const message*>(view_.get());
-            {
-                const std::scoped_lock lock(mutex_);
-                texts_[received->process].append(received->text, ::strnlen(received->text, sizeof received->text));
-            }
+            const auto& [process, text] = *static_cast<const message*>(view_.get());
+            const std::scoped_lock lock(mutex_);
+            texts_[process].append(text, ::strnlen(text, sizeof text));
             ::SetEvent(may_write_.get());
         }
     }

@@ -5,73 +5,16 @@
 
 #include <windows.h>
 
-#include <array>
-#include <cstdint>
-#include <initializer_list>
 #include <random>
 #include <set>
 #include <string>
 #include <utility>
 #include <vector>
 
-// Settings keys as other programs, older versions and accidents may leave them.
-
 namespace support {
 
-enum class stored_as : std::uint8_t { value, subkey, array };
-
-/// One way to store something under a field's name.
-struct stored_form {
-    stored_as kind = stored_as::value;
-    DWORD type = REG_NONE;
-    DWORD size = 0;
-    bool readable = false; ///< for the field in whose table it stands
-};
-
-inline constexpr DWORD huge = 300'000;
-
-inline constexpr stored_form text_forms[] = {
-    {.type = REG_SZ, .size = 8, .readable = true},
-    {.type = REG_SZ, .size = 0, .readable = true},
-    {.type = REG_SZ, .size = huge, .readable = true},
-    {.type = REG_SZ, .size = 7},
-    {.type = REG_DWORD, .size = 4},
-    {.type = REG_BINARY, .size = 8},
-    {.type = REG_EXPAND_SZ, .size = 8},
-    {.type = REG_MULTI_SZ, .size = 12},
-    {.type = 4711, .size = 8},
-    {.kind = stored_as::subkey},
-    {.kind = stored_as::array},
-};
-
-inline constexpr stored_form flag_forms[] = {
-    {.type = REG_DWORD, .size = 4, .readable = true},
-    {.type = REG_QWORD, .size = 8, .readable = true},
-    {.type = REG_DWORD, .size = 3},
-    {.type = REG_DWORD, .size = 8},
-    {.type = REG_QWORD, .size = 4},
-    {.type = REG_DWORD_BIG_ENDIAN, .size = 4},
-    {.type = REG_SZ, .size = 4},
-    {.type = REG_BINARY, .size = huge},
-    {.type = REG_NONE, .size = 0},
-    {.kind = stored_as::subkey},
-};
-
-inline constexpr stored_form port_forms[] = {
-    {.type = REG_BINARY, .size = 4, .readable = true},
-    {.type = REG_BINARY, .size = 40, .readable = true},
-    {.type = REG_BINARY, .size = 0, .readable = true},
-    {.type = REG_BINARY, .size = huge, .readable = true},
-    {.kind = stored_as::array, .readable = true},
-    {.type = REG_BINARY, .size = 5},
-    {.type = REG_BINARY, .size = huge + 1},
-    {.type = REG_SZ, .size = 4},
-    {.type = REG_DWORD, .size = 4},
-    {.type = 0xFFFF'FFFE, .size = 4},
-    {.kind = stored_as::subkey},
-};
-
-/// A settings key drawn from a number: the same number gives the same key.
+/// A settings key as another program, an older version or an accident may leave it, drawn from a number: the same
+/// number gives the same key.
 class generated_key {
 public:
     /// \param allow_huge  whether values of 300 KB may occur
@@ -83,14 +26,18 @@ public:
     {
         ::RegDeleteTreeW(HKEY_LOCAL_MACHINE, path.c_str());
         require(::RegCreateKeyW(HKEY_LOCAL_MACHINE, path.c_str(), key_.put()));
-        draw(L"securityDescriptor", text_forms);
-        draw(L"autoDiscovery", flag_forms);
-        draw(L"sharedPorts", port_forms);
-        draw(L"language", text_forms);
+        const auto is_text = [](DWORD type, DWORD size) { return type == REG_SZ && size % 2 == 0; };
+        draw(L"securityDescriptor", REG_SZ, 8, is_text);
+        draw(L"autoDiscovery", REG_DWORD, 4, [](DWORD type, DWORD size) {
+            return (type == REG_DWORD && size == 4) || (type == REG_QWORD && size == 8);
+        });
+        draw(L"sharedPorts", REG_BINARY, 40,
+             [](DWORD type, DWORD size) { return type == array || (type == REG_BINARY && size % 4 == 0); });
+        draw(L"language", REG_SZ, 8, is_text);
         for (const wchar_t* foreign :
              {L"", L"@", L"language@3", L"sharedPorts@", L"@version", L"\xD800", L"\x65E5 a=b"})
             if (one_in(4))
-                put(foreign, text_forms[random_() % std::size(text_forms)]);
+                put(foreign, any_type(), any_size());
         key_.reset();
     }
 
@@ -98,7 +45,22 @@ public:
     const std::set<std::u16string>& unreadable() const noexcept { return unreadable_; }
 
 private:
+    // Stored as keys of their own, beside the types of values.
+    static constexpr DWORD structure = 0x10000;
+    static constexpr DWORD array = 0x10001;
+
     bool one_in(unsigned chances) { return random_() % chances == 0; }
+    DWORD any_type()
+    {
+        constexpr DWORD types[] = {REG_NONE,     REG_SZ,    REG_EXPAND_SZ, REG_BINARY,  REG_DWORD, REG_DWORD_BIG_ENDIAN,
+                                   REG_MULTI_SZ, REG_QWORD, 4711,          0xFFFF'FFFE, structure, array};
+        return types[random_() % std::size(types)];
+    }
+    DWORD any_size()
+    {
+        constexpr DWORD sizes[] = {0, 3, 4, 5, 7, 8, 300'000, 300'001};
+        return sizes[random_() % (std::size(sizes) - (allow_huge_ ? 0 : 2))];
+    }
 
     static void require(LSTATUS status)
     {
@@ -106,32 +68,33 @@ private:
             girder::throw_win32(static_cast<DWORD>(status), "registry");
     }
 
-    template <std::size_t Count>
-    void draw(const wchar_t* name, const stored_form (&forms)[Count])
+    /// Every second time as the program writes it.
+    void draw(const wchar_t* name, DWORD type, DWORD size, bool (*is_readable)(DWORD type, DWORD size))
     {
         if (one_in(5))
             return;
-        const stored_form& form = forms[random_() % Count];
-        if (form.size >= huge && !allow_huge_)
-            return;
-        put(name, form);
-        if (!form.readable)
+        if (one_in(2)) {
+            type = any_type();
+            size = any_size();
+        }
+        put(name, type, size);
+        if (!is_readable(type, size))
             unreadable_.emplace(reinterpret_cast<const char16_t*>(name));
     }
 
-    void put(const wchar_t* name, const stored_form& form)
+    void put(const wchar_t* name, DWORD type, DWORD size)
     {
-        if (form.kind == stored_as::value) {
-            std::vector<BYTE> data(form.size);
+        if (type < structure || type > array) {
+            std::vector<BYTE> data(size);
             for (BYTE& byte : data)
                 byte = static_cast<BYTE>(random_());
-            require(::RegSetKeyValueW(key_.get(), nullptr, name, form.type, data.data(), form.size));
+            require(::RegSetKeyValueW(key_.get(), nullptr, name, type, data.data(), size));
             return;
         }
         girder::unique_registry_key subkey;
         // The empty name would be the key itself.
         require(::RegCreateKeyW(key_.get(), *name ? name : L"empty", subkey.put()));
-        if (form.kind == stored_as::array)
+        if (type == array)
             for (const auto& [element, number] : {std::pair(L"@count", DWORD{2}), {L"00000", 3}, {L"00001", 1}})
                 require(::RegSetKeyValueW(subkey.get(), nullptr, element, REG_DWORD, &number, sizeof number));
     }
