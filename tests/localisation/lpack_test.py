@@ -59,35 +59,12 @@ class SourceTest(LpackTestCase):
         source = "[values]\nsite = \"example\"\n" + entry(text='"@site@ \\"…\\"\\n😀"', revision=3)
         source += entry(name='"state"', key='"State"', id="0xFFFFFFFF", items='["on", "off"]')
         self.assertEqual(self.compile(source), "")
-        pack = self.folder / "common.bin"
-        self.assertEqual(self.lpack("dump", pack)[0], (DATA / "common.dump").read_text(encoding="utf-8"))
-        pack.write_bytes(pack.read_bytes()[:-1])
-        self.assertIn("ends inside the text", self.lpack("dump", pack)[1])
+        self.assertEqual(self.lpack("dump", self.folder / "common.bin")[0], (DATA / "common.dump").read_text(encoding="utf-8"))
 
-    def test_bad_sources_name_the_place(self):
-        other = entry(name='"yes"', key='"Yes"')
-        for name, source, problem in (
-            ("unknown field", other + entry(colour='"red"'), ":7: 'ok': unknown field 'colour'"),
-            ("no comment", entry(comment='""'), "'comment' must be a text"),
-            ("name that is no constant", entry(name='"Not OK"'), "cannot be a constant"),
-            ("text and items", entry(text='"x"', items='["x"]'), "either 'text' or 'items'"),
-            ("revision of 31 bits", entry(revision=1 << 30), "'revision' must be a number"),
-            ("text of 65,536 units", entry(text='"' + "x" * 65534 + '😀"'), "longer than 65535"),
-            ("null in a text", entry(text='"\\u0000"'), "null character"),
-            ("unknown value", entry(text='"@nothing@"'), "no text 'nothing'"),
-            ("unknown text in a dialog", '[dialogs]\nmain = ["yes"]\n' + entry(), "there is no text 'yes'"),
-            ("two equal mnemonics", '[dialogs]\nmain = ["ok", "yes"]\n' + entry(text='"&OK"')
-             + entry(name='"yes"', key='"Yes"', text='"Y&o"'), "have the mnemonic O"),
-            ("same name", entry() + entry(key='"Other"'), ":7: 'ok': the name ok is taken by"),
-            ("same key", entry() + entry(name='"yes"'), ":7: 'yes': the key OK is taken by"),
-            ("keys that differ in case", entry() + entry(name='"yes"', key='"ok"'), "the id 0x663437AF is taken by"),
-            ("id of another key", other + entry(name='"no"', key='"No"', id="0x4E9F3590"), "the id 0x4E9F3590 is taken by"),
-        ):
-            with self.subTest(name):
-                (line,) = self.compile(source).splitlines()
-                self.assertEqual(self.returncode, 1)
-                self.assertIn("english.toml:", line)
-                self.assertIn(problem, line)
+    def test_a_bad_source_names_the_place(self):
+        error = self.compile(entry() + entry(name='"yes"', key='"ok"'))
+        self.assertIn("english.toml:7: 'yes': the id 0x663437AF is taken by", error)
+        self.assertEqual(self.returncode, 1)
 
     def test_checks_placeholders_as_the_program_reads_them(self):
         good = ("{}", "{{0}", "}", "{0}.{1w2arf0}", "{1ub016xp}", "{0w,3ear}", "{0f}}", "{2?<}@{1}{2?>}", "{t(%FT%T%z)}",
@@ -129,41 +106,17 @@ class TranslationTest(LpackTestCase):
     def check(self):
         return self.lpack("check", "--source", self.source, self.po)[0]
 
-    def packs(self, *options):
-        out = self.folder / "packs"
-        arguments = ("compile", "--source", self.source, "--out", out, "--version", "7.1.0.1604", *options)
-        self.assertEqual(self.lpack(*arguments)[1], "")
-        return {path.name: path.read_bytes() for path in out.iterdir()}
-
     def dump(self):
-        (name,) = self.packs("--program", "a.exe", self.po)
-        return self.lpack("dump", self.folder / "packs" / name)[0]
-
-    def test_template_has_context_comment_and_revision(self):
-        pot = self.template().read_text(encoding="utf-8")
-        self.assertIn('#. Button.\n#. It stops.\n#. Revision: 0\nmsgctxt "Stop"\nmsgid "S&top…"\nmsgstr ""\n', pot)
-        self.assertIn('#. Revision: 2\nmsgctxt "About"\n', pot)
-        self.assertIn('msgctxt "State[1]"\nmsgid "off"\n', pot)
+        out = self.folder / "packs"
+        options = ("--out", out, "--version", "7.1.0.1604", "--program", "a.exe")
+        self.assertEqual(self.lpack("compile", "--source", self.source, *options, self.po)[1], "")
+        (pack,) = out.iterdir()
+        return self.lpack("dump", pack)[0]
 
     def test_a_complete_translation_passes_and_becomes_a_pack(self):
         self.translate()
         self.assertEqual(self.check(), "")
         self.assertEqual(self.dump(), (DATA / "de.Deutsch.701001604.dump").read_text(encoding="utf-8"))
-
-    def test_equal_translations_give_equal_packs_and_others_are_removed(self):
-        self.translate()
-        first = self.packs(self.po, "--pseudo")
-        (self.folder / "packs" / "xx.Old.1.lpack").touch()
-        self.assertEqual(first, self.packs(self.po, "--pseudo"))
-        self.assertEqual(len(first), 2)
-
-    def test_every_text_of_every_pack_is_at_an_even_address(self):
-        self.translate()
-        po = self.po.read_text(encoding="utf-8")
-        for tag in ("de", "fil", "pt-br"):
-            self.po.write_text(po.replace("Language: de", f"Language: {tag}"), encoding="utf-8")
-            texts = [line for line in self.dump().splitlines() if '"' in line and "name" not in line and "tag" not in line]
-            self.assertEqual({int(line[:6], 16) % 2 for line in texts}, {0}, tag)
 
     def test_check_names_each_fault(self):
         for context, text, problem in (
@@ -173,10 +126,8 @@ class TranslationTest(LpackTestCase):
             ("Stop", "S&topp", "the ellipsis at the end differs"),
             ("Stop", "S&topp {0}…", "the placeholder {0} is not in the English text"),
             ("About", "[[[bV {0}]]]", "the placeholder {1w2} is missing"),
-            ("About", "[[[bV {0}]]] {1w3}", "the placeholder {1w2} is missing"),
             ("About", "[[[bV {0}]]] {1w2", "malformed placeholder"),
             ("About", "V {0} {1w2}", "the markup differs"),
-            ("State[0]", " ein", "white space around"),
             ("State[0]", "&ein", "there is a mnemonic"),
         ):
             with self.subTest(text):
@@ -202,8 +153,6 @@ class TranslationTest(LpackTestCase):
         self.assertNotIn("topp", dump)
         self.assertIn("&Starten", dump)
 
-        self.lpack("update", "--template", self.template(changed), self.po)
-        self.assertEqual(self.po.read_text(encoding="utf-8"), po, "a second update changes nothing")
 
     def test_merges_corrections(self):
         self.translate()
@@ -216,8 +165,6 @@ class TranslationTest(LpackTestCase):
         )
         self.assertIn("has no 'Nothing'", self.lpack("merge-corrections", "--po", self.po, xml)[1])
         self.assertIn('"&A \\n <b> \\"é\\"…"', self.dump())
-        xml.write_text("<x/>")
-        self.assertIn("not a file of corrections", self.lpack("merge-corrections", "--po", self.po, xml)[1])
 
 
 unittest.main()
