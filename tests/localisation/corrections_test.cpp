@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <ctime>
-
 namespace tidelink {
 namespace {
 
@@ -28,16 +26,6 @@ TEST(corrections_test, are_exported_in_exactly_these_bytes)
               "    <String id=\"Stop\" value=\"&amp;quot;&amp;Halt&amp;quot;\"/>\r\n"
               "  </Module>\r\n"
               "</Corrections>\r\n");
-}
-
-TEST(corrections_test, file_is_named_after_the_module_and_the_local_time)
-{
-    constexpr std::time_t moment = 1'750'861'805;
-    char local_time[16];
-    ASSERT_EQ(std::strftime(local_time, sizeof local_time, "%Y%m%d-%H%M%S", std::localtime(&moment)), 15U);
-    const std::u16string expected = u"common." + std::u16string(local_time, local_time + 15) + u".xml";
-    const girder::file_time now{girder::unix_epoch_ticks + moment * girder::ticks_per_second};
-    EXPECT_EQ(corrections_file_name(u"folder\\common", now), expected);
 }
 
 } // namespace

@@ -10,20 +10,14 @@ static_assert(PackNameHash(u"Do not display this message anymore") == 0xECCFB729
 
 // A to Z fold, nothing else does.
 static_assert(PackNameHash(u"TL_SERVER_CONFIG.EXE") == PackNameHash(u"tl_server_config.exe"));
-static_assert(PackNameHash(u"@[") != PackNameHash(u"`{"));
 static_assert(PackNameHash(u"\u00C4") != PackNameHash(u"\u00E4"));
 
 // Of a unit only the low byte counts, sign-extended: FF FF FF xx from 0x80 on.
-static_assert(PackNameHash(u"\u0141") == PackNameHash(u"\u7341"));
-static_assert(PackNameHash(u"\u0141") != PackNameHash(u"a"));
-static_assert(PackNameHash(u"\u007F") == (0x811C9DC5U ^ 0x7FU) * 0x01000193U);
 static_assert(PackNameHash(u"\u0080") == (0x811C9DC5U ^ 0xFFFFFF80U) * 0x01000193U);
 static_assert(PackNameHash(u"\u2026") == (0x811C9DC5U ^ 0x26U) * 0x01000193U);
 
-static_assert(module_name_hash(u"common") == PackNameHash(u"common"));
 static_assert(module_name_hash(u"C:\\Tools\\a.exe") == PackNameHash(u"Tools\\a.exe"));
 static_assert(module_name_hash(u"folder\\a.exe") == PackNameHash(u"A.EXE"));
-static_assert(module_name_hash(u"folder/a.exe") == PackNameHash(u"folder/a.exe"));
 
 // The compiler of the texts hashes as the program does.
 #define STRING_KEY(name, key) static_assert(string_id::name == PackNameHash(key));
