@@ -3,7 +3,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <initializer_list>
 #include <span>
 #include <string>
@@ -22,12 +21,13 @@ void append(pack_bytes& bytes, const Value& value)
     bytes.insert(bytes.end(), first, first + sizeof value);
 }
 
-inline void append_text(pack_bytes& bytes, std::u16string_view text)
+template <typename Unit>
+void append_text(pack_bytes& bytes, std::basic_string_view<Unit> text)
 {
     append(bytes, static_cast<std::uint16_t>(text.size()));
-    for (const char16_t unit : text)
+    for (const Unit unit : text)
         append(bytes, unit);
-    append(bytes, char16_t{0});
+    append(bytes, Unit{0});
 }
 
 inline constexpr std::array<std::uint8_t, 16> pack_signature = {0x79, 0x2B, 0x13, 0xEF, 0xBB, 0x4F, 0xF7, 0x43,
@@ -39,8 +39,8 @@ public:
     /// \param locale_name  an even number of characters moves the texts to odd addresses
     explicit pack_builder(std::string_view locale_name = "ENU", std::string_view language_tag = "en")
     {
-        append_name(locale_name);
-        append_name(language_tag);
+        append_text(header_, locale_name);
+        append_text(header_, language_tag);
         append(header_, std::uint8_t{2});
         append(header_, std::uint16_t{0});
     }
@@ -66,33 +66,23 @@ public:
     }
 
     /// As in a module of a pack file.
-    pack_bytes bare() const { return behind({}); }
-
-    /// As in a resource.
-    pack_bytes with_signature() const
+    pack_bytes bare() const
     {
-        pack_bytes signature;
-        append(signature, pack_signature);
-        return behind(std::move(signature));
-    }
-
-private:
-    pack_bytes behind(pack_bytes bytes) const
-    {
-        bytes.insert(bytes.end(), header_.begin(), header_.end());
+        pack_bytes bytes = header_;
         append(bytes, count_);
         bytes.insert(bytes.end(), entries_.begin(), entries_.end());
         return bytes;
     }
-
-    void append_name(std::string_view name)
+    /// As in a resource.
+    pack_bytes with_signature() const
     {
-        append(header_, static_cast<std::uint16_t>(name.size()));
-        for (const char character : name)
-            append(header_, character);
-        append(header_, '\0');
+        pack_bytes bytes = bare();
+        const auto* const signature = reinterpret_cast<const std::byte*>(&pack_signature);
+        bytes.insert(bytes.begin(), signature, signature + sizeof pack_signature);
+        return bytes;
     }
 
+private:
     void begin_entry(std::uint32_t id, std::uint32_t kind_and_revision)
     {
         append(entries_, id);
@@ -104,14 +94,5 @@ private:
     pack_bytes entries_;
     std::uint32_t count_ = 0;
 };
-
-/// A copy of a text at any address. Its bytes are copied: even std::memcpy is taken for an access to units by UBSan.
-inline std::u16string copy_of(std::u16string_view text)
-{
-    std::u16string copy(text.size(), u'\0');
-    if (!text.empty())
-        std::memcpy(copy.data(), reinterpret_cast<const std::byte*>(text.data()), text.size() * sizeof(char16_t));
-    return copy;
-}
 
 } // namespace support
