@@ -32,29 +32,22 @@ stored_value number(std::uint32_t type, std::uint64_t value, std::size_t size)
 
 TEST(stored_value_test, a_refusal_names_what_was_expected)
 {
-    const auto as_string = [](const stored_value& value) { value.as_string(); };
-    const auto as_boolean = [](const stored_value& value) { value.as_boolean(); };
-    const auto as_unsigned = [](const stored_value& value) { value.as_unsigned(); };
-    const auto as_double = [](const stored_value& value) { value.as_double(); };
-    const auto as_binary = [](const stored_value& value) { value.as_binary(); };
-    const auto as_date = [](const stored_value& value) { value.as_date(); };
-    const auto as_guid = [](const stored_value& value) { value.as_guid(); };
     const std::tuple<stored_value, std::function<void(const stored_value&)>, const char*> refused[] = {
-        {number(value_type::dword, 1, 4), as_string, "String expected"},
-        {number(value_type::binary, 1, 4), as_string, "String expected"},
-        {number(7, 65, 2), as_string, "Bad format"},
-        {number(value_type::text, 65, 3), as_string, "Bad format"},
-        {text(u"1"), as_boolean, "Boolean expected"},
-        {number(value_type::dword, 1, 3), as_boolean, "Bad format"},
-        {number(value_type::qword, 1, 4), as_unsigned, "Bad format"},
-        {number(5, 1, 4), as_unsigned, "Bad format"},
-        {text(u"1"), as_unsigned, "Number expected"},
-        {text(u"1,5"), as_double, "Bad format"},
-        {number(value_type::dword, 1, 4), as_binary, "Array expected"},
-        {number(value_type::none, 0, 0), as_binary, "Bad format"},
-        {number(value_type::dword, 1, 4), as_date, "Date expected"},
-        {text(u"2025-06-31T00:00:00"), as_date, "Bad format"},
-        {text(u"CLSID"), as_guid, "Bad format"},
+        {number(value_type::dword, 1, 4), &stored_value::as_string, "String expected"},
+        {number(value_type::binary, 1, 4), &stored_value::as_string, "String expected"},
+        {number(7, 65, 2), &stored_value::as_string, "Bad format"},
+        {number(value_type::text, 65, 3), &stored_value::as_string, "Bad format"},
+        {text(u"1"), &stored_value::as_boolean, "Boolean expected"},
+        {number(value_type::dword, 1, 3), &stored_value::as_boolean, "Bad format"},
+        {number(value_type::qword, 1, 4), &stored_value::as_unsigned, "Bad format"},
+        {number(5, 1, 4), &stored_value::as_unsigned, "Bad format"},
+        {text(u"1"), &stored_value::as_unsigned, "Number expected"},
+        {text(u"1,5"), &stored_value::as_double, "Bad format"},
+        {number(value_type::dword, 1, 4), &stored_value::as_binary, "Array expected"},
+        {number(value_type::none, 0, 0), &stored_value::as_binary, "Bad format"},
+        {number(value_type::dword, 1, 4), &stored_value::as_date, "Date expected"},
+        {text(u"2025-06-31T00:00:00"), &stored_value::as_date, "Bad format"},
+        {text(u"CLSID"), &stored_value::as_guid, "Bad format"},
     };
     for (const auto& [value, read, expected_error] : refused)
         try {
