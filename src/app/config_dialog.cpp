@@ -122,6 +122,12 @@ void ConfigDialog::create()
     create_modeless(IDD_CONFIG, nullptr, "CreateDialogParam failed for main dialog");
 }
 
+void ConfigDialog::show(int command) noexcept
+{
+    ::ShowWindow(window(), command);
+    shown_ = true;
+}
+
 bool ConfigDialog::on_initialise()
 {
     check_list::set_up(control(IDC_PORTS));
@@ -148,12 +154,12 @@ bool ConfigDialog::on_initialise()
 void ConfigDialog::set_texts()
 {
     for (const auto& [id, string] : control_texts)
-        set_window_text(control(id), text(string));
+        change_window_text(control(id), text(string));
     // Seen by screen readers alone: the lists have no label of their own.
-    set_window_text(control(IDC_PORTS_LABEL), text(string_id::ports_label));
-    set_window_text(control(IDC_LANGUAGE_LABEL), text(string_id::language_label));
+    change_window_text(control(IDC_PORTS_LABEL), text(string_id::ports_label));
+    change_window_text(control(IDC_LANGUAGE_LABEL), text(string_id::language_label));
     select_all_by_keyboard(control(IDC_STATUS));
-    set_window_text(control(IDC_STATUS_LABEL), fmtkit::format(u"{}:"_fmt, text(string_id::status)));
+    change_window_text(control(IDC_STATUS_LABEL), fmtkit::format(u"{}:"_fmt, text(string_id::status)));
 }
 
 void ConfigDialog::fill_languages()
@@ -243,7 +249,7 @@ bool ConfigDialog::on_message(UINT message, WPARAM wparam, LPARAM, LRESULT&)
 {
     switch (message) {
     case WM_ACTIVATE:
-        if (LOWORD(wparam) != WA_INACTIVE)
+        if (shown_ && LOWORD(wparam) != WA_INACTIVE)
             service_.refresh_unless_pending();
         return false;
     case WM_ENDSESSION:

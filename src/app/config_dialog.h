@@ -36,6 +36,9 @@ public:
     /// Creates the window, hidden and filled.
     /// \throws girder::system_error
     void create();
+    /// Shows the created window; its status is that of create().
+    /// \param command  of ShowWindow, such as SW_SHOW
+    void show(int command) noexcept;
 
     /// Puts another editor behind the Security button, in the place of the system's.
     void use_access_editor(access_editor editor) { access_editor_ = std::move(editor); }
@@ -100,6 +103,7 @@ private:
     access_editor access_editor_ = run_system_access_editor;
     std::optional<update_offer> update_;
     about_command about_{thread_, *this, update_};
+    bool shown_ = false;
     std::vector<std::u16string> languages_; ///< locales, in the order of the combo box
 };
 

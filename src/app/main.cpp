@@ -59,7 +59,7 @@ int run_dialog(int show_command)
     register_common_controls();
     const corrections_mode corrections(thread);
     dialog.create();
-    ::ShowWindow(dialog.window(), show_command);
+    dialog.show(show_command);
     int exit_code = 0;
     {
         const message_hook hook(thread);

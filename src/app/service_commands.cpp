@@ -23,10 +23,10 @@ void service_commands::RefreshServiceStatus()
         return;
     if (view->offers_install) {
         install_mode_ = true;
-        set_window_text(dialog_.control(IDC_START), text(string_id::install));
+        change_window_text(dialog_.control(IDC_START), text(string_id::install));
     }
-    set_window_text(dialog_.control(IDC_STATUS),
-                    item(string_id::service_status, static_cast<std::uint32_t>(view->status)));
+    change_window_text(dialog_.control(IDC_STATUS),
+                       item(string_id::service_status, static_cast<std::uint32_t>(view->status)));
     set_enabled(dialog_.control(IDC_START), view->can_start);
     set_enabled(dialog_.control(IDC_STOP), view->can_stop);
 }
@@ -44,7 +44,7 @@ void service_commands::StartServerService()
             run(install_service);
             if (!dialog_.window())
                 return;
-            set_window_text(dialog_.control(IDC_START), text(string_id::start));
+            change_window_text(dialog_.control(IDC_START), text(string_id::start));
             install_mode_ = false;
         }
         run(start_service);

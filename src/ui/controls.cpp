@@ -19,6 +19,12 @@ void set_window_text(HWND window, std::u16string_view text)
     ::SetWindowTextW(window, as_wide(std::u16string(text)));
 }
 
+void change_window_text(HWND window, std::u16string_view text)
+{
+    if (window_text(window) != text)
+        set_window_text(window, text);
+}
+
 void set_enabled(HWND control, bool enabled) noexcept
 {
     if (!enabled && ::GetFocus() == control)

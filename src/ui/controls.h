@@ -16,6 +16,9 @@ namespace girder::ui {
 /// The text of a window of this process, of any length.
 std::u16string window_text(HWND window);
 void set_window_text(HWND window, std::u16string_view text);
+/// Sets the text where it is another one; otherwise the window is not drawn again, nor are screen readers told. Not for
+/// the rich text view, whose text says less than the markup that it was set to.
+void change_window_text(HWND window, std::u16string_view text);
 
 /// Disabling the control that has the focus passes the focus on: the keyboard would be without effect.
 void set_enabled(HWND control, bool enabled) noexcept;

@@ -48,7 +48,7 @@ void show_main(const look& look)
     restart_request restart;
     ConfigDialog dialog(thread, restart);
     dialog.create();
-    ::ShowWindow(dialog.window(), SW_SHOW);
+    dialog.show(SW_SHOW);
     look(dialog.window());
 }
 

@@ -172,7 +172,7 @@ try {
     restart_request restart;
     ConfigDialog dialog(thread, restart);
     dialog.create();
-    ::ShowWindow(dialog.window(), SW_SHOW);
+    dialog.show(SW_SHOW);
     show_all(dialog, std::wstring(argv[2]) + L"\\" + argv[1]);
     return EXIT_SUCCESS;
 } catch (const std::exception& error) {
