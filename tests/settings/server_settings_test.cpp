@@ -1,13 +1,10 @@
 #include "settings/server_settings.h"
 #include "settings/settings_key.h"
 #include "update/json_reader.h"
-#include "update/json_writer.h"
 
 #include <gmock/gmock.h>
 
 #include <tuple>
-
-// With JSON as the store, which shows the fields as they are written.
 
 namespace {
 
@@ -15,38 +12,6 @@ using namespace tidelink;
 using girder::json::reader;
 using girder::nsm::details::load_exception;
 using testing::ElementsAre;
-
-std::string changes(const ServerSettings& settings)
-{
-    girder::json::writer writer;
-    WriteChanged(settings, DefaultServerSettings(), writer);
-    return writer.finish();
-}
-
-TEST(server_settings_test, only_differences_are_written)
-{
-    ServerSettings settings = DefaultServerSettings();
-    EXPECT_EQ(changes(settings), "{}");
-    settings.autoDiscovery = false;
-    EXPECT_EQ(changes(settings), R"({"autoDiscovery":false})");
-    settings = DefaultServerSettings();
-    settings.securityDescriptor[0] = u'd';
-    settings.sharedPorts = {3, 1};
-    EXPECT_EQ(changes(settings), R"*({"securityDescriptor":"d:(A;;0xc0100004;;;SU)(A;;0xc0100000;;;WD)",)*"
-                                 R"*("sharedPorts":[3,1]})*");
-}
-
-TEST(server_settings_test, present_fields_override_and_unknown_ones_are_ignored)
-{
-    ServerSettings settings = DefaultServerSettings();
-    Read(reader(R"({"other":true,"language":"de","Language":"fr","sharedPorts":[7,4294967295]})"), settings);
-    ServerSettings expected = DefaultServerSettings();
-    expected.language = u"de";
-    expected.sharedPorts = {7, 0xFFFFFFFF};
-    EXPECT_EQ(settings, expected);
-    Read(reader(R"({"sharedPorts":"CgEAAAMAAP8="})"), settings);
-    EXPECT_THAT(settings.sharedPorts, ElementsAre(0x10A, 0xFF000003)) << "little-endian bytes";
-}
 
 TEST(server_settings_test, a_field_that_is_refused_leaves_the_others)
 {
