@@ -111,13 +111,6 @@ TEST(time_test, own_conversions)
         EXPECT_EQ(written(time, pattern), text) << testing::PrintToString(pattern);
 }
 
-TEST(time_test, weeks_at_the_turn_of_the_year)
-{
-    EXPECT_EQ(written(at_local(1'735'603'200), u"%F %G-W%V %U %W %j"), u"2024-12-31 2025-W01 52 53 366");
-    EXPECT_EQ(written(at_local(1'609'459'200), u"%F %G-W%V %U %W %j"), u"2021-01-01 2020-W53 00 00 001");
-    EXPECT_EQ(written(at_local(1'483'228'800), u"%F %G-W%V %U %W %j"), u"2017-01-01 2016-W52 01 00 001");
-}
-
 TEST(time_test, what_cannot_be_converted_is_nothing_and_not_padded)
 {
     for (const file_time outside :
