@@ -1,6 +1,6 @@
 #include "base/handles.h"
+#include "base/system_error.h"
 #include "base/system_library.h"
-#include "base/win32_error.h"
 
 #include <gtest/gtest.h>
 
@@ -20,15 +20,6 @@ TEST(handles_win32_test, closing_keeps_the_last_error)
 TEST(handles_win32_death_test, closing_a_foreign_handle_ends_the_process)
 {
     EXPECT_DEATH(unique_kernel_handle{reinterpret_cast<HANDLE>(std::uintptr_t{0xDEAD0})}.reset(), "");
-}
-
-TEST(win32_error_test, system_message_has_no_line_end_and_may_be_missing)
-{
-    const std::u16string text = system_message(ERROR_ACCESS_DENIED);
-    ASSERT_FALSE(text.empty());
-    EXPECT_GT(text.back(), u' ');
-    EXPECT_EQ(system_message(0x80070000 | ERROR_ACCESS_DENIED), text);
-    EXPECT_EQ(system_message(0x2BADC0DE), u"");
 }
 
 TEST(system_library_test, missing_library_and_function_are_errors)
