@@ -15,12 +15,6 @@ using fuzz::bytes;
 using fuzz::require;
 using namespace tidelink;
 
-void check_text(std::u16string_view text, bytes lower, bytes upper)
-{
-    if (!text.empty())
-        fuzz::require_served_from(text, {lower, upper});
-}
-
 /// Looks for every number that stands in `candidates` as if it were an id.
 void look_up(const StringLayer& layer, bytes candidates, bytes lower, bytes upper)
 {
@@ -30,9 +24,9 @@ void look_up(const StringLayer& layer, bytes candidates, bytes lower, bytes uppe
         if (entry == nullptr)
             continue;
         require(entry->id() == id);
-        check_text(entry->text(), lower, upper);
+        fuzz::require_served_from(entry->text(), {lower, upper});
         for (const std::uint32_t index : {0U, 1U, 0xFFFFFFFFU})
-            check_text(entry->item(index), lower, upper);
+            fuzz::require_served_from(entry->item(index), {lower, upper});
     }
 }
 
