@@ -20,15 +20,11 @@ using json::writer;
 using nsm::details::load_exception;
 
 /// Where the text is malformed; empty when it is not, or is refused for what it holds.
-template <typename Read>
-std::optional<nsm::details::text_position> malformed_at(Read read)
+std::optional<nsm::details::text_position> malformed_at(const auto& read)
 {
-    try {
-        read();
-        return std::nullopt;
-    } catch (const load_exception& error) {
-        return error.position();
-    }
+    std::optional<nsm::details::text_position> position;
+    fuzz::succeeds<load_exception>(read, [&](const load_exception& error) { position = error.position(); });
+    return position;
 }
 
 /// What does not depend on escapes and on ranges of numbers.

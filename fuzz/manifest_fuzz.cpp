@@ -1,11 +1,11 @@
 // Any text as a manifest: it is read, or refused with a listed text.
 
+#include "require.h"
 #include "serialisation/load_exception.h"
 #include "update/manifest.h"
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <string_view>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
@@ -18,10 +18,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     } catch (const load_exception& error) {
         constexpr std::array listed{object_expected, array_expected, string_expected, number_expected, date_expected};
         const std::string_view text = error.what();
-        const bool is_listed =
-            error.position() ? text.starts_with(bad_json_format) : std::ranges::find(listed, text) != listed.end();
-        if (!is_listed)
-            std::abort();
+        fuzz::require(error.position() ? text.starts_with(bad_json_format)
+                                       : std::ranges::find(listed, text) != listed.end());
     }
     return 0;
 }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdlib>
-#include <functional>
 
 namespace fuzz {
 
@@ -12,16 +11,23 @@ inline void require(bool holds)
         std::abort();
 }
 
+/// \param refused  is given the Error that `read` ends with
 /// \return whether `read` ended without an Error
-template <typename Error, typename Read>
-bool succeeds(const Read& read)
+template <typename Error, typename Read, typename Refused>
+bool succeeds(const Read& read, const Refused& refused)
 {
     try {
         read();
         return true;
-    } catch (const Error&) {
+    } catch (const Error& error) {
+        refused(error);
         return false;
     }
+}
+template <typename Error, typename Read>
+bool succeeds(const Read& read)
+{
+    return succeeds<Error>(read, [](const Error&) {});
 }
 
 } // namespace fuzz
