@@ -8,17 +8,12 @@
 
 #include <windows.h>
 
-#include <tlhelp32.h>
-
-#include <map>
-
 namespace {
 
 using namespace e2e;
 using testing::IsEmpty;
 using ui_driver::eventually;
 
-constexpr char16_t about_title[] = u"About Tidelink Port Server";
 constexpr int about_text = 1018;
 
 /// Messages that carry an address where the system or the program itself sends them, and those that programs number
@@ -98,27 +93,7 @@ constexpr const wchar_t* planted_names[] = {
     L"secur32.dll", L"userenv.dll", L"wininet.dll", L"windowscodecs.dll", L"wintrust.dll",
 };
 
-/// Every module's path, its name in lower case.
-std::map<std::wstring, std::filesystem::path> modules_of(DWORD process)
-{
-    std::map<std::wstring, std::filesystem::path> modules;
-    const girder::unique_file snapshot(::CreateToolhelp32Snapshot(TH32CS_SNAPMODULE, process));
-    MODULEENTRY32W module{};
-    module.dwSize = sizeof module;
-    for (BOOL more = ::Module32FirstW(snapshot.get(), &module); more; more = ::Module32NextW(snapshot.get(), &module))
-        modules.emplace(::_wcslwr(module.szModule), static_cast<const wchar_t*>(module.szExePath));
-    return modules;
-}
-
-class planted_library_test : public program_folder_test {
-protected:
-    void TearDown() override
-    {
-        ::SetEnvironmentVariableW(L"PATH", L"C:\\windows\\system32;C:\\windows");
-        std::filesystem::current_path(folder_.parent_path());
-        program_folder_test::TearDown();
-    }
-};
+using planted_library_test = program_folder_test;
 
 TEST_F(planted_library_test, is_not_loaded_from_beside_the_program_its_current_folder_or_the_path)
 {
@@ -134,8 +109,10 @@ TEST_F(planted_library_test, is_not_loaded_from_beside_the_program_its_current_f
     const std::filesystem::path planted = modules_of(::GetCurrentProcessId()).at(L"aclui.dll");
     EXPECT_TRUE(std::filesystem::equivalent(planted.parent_path(), folder_));
     ::FreeLibrary(found);
-
     const utility program;
+    ::SetEnvironmentVariableW(L"PATH", L"C:\\windows\\system32;C:\\windows");
+    std::filesystem::current_path(folder_.parent_path());
+
     program.control(id::about).post_click();
     utility::answer(program.message(about_title), id::cancel);
     program.control(id::security).post_click();

@@ -17,7 +17,6 @@ using testing::Pair;
 using ui_driver::eventually;
 using clock = std::chrono::steady_clock;
 
-constexpr char16_t about_title[] = u"About Tidelink Port Server";
 constexpr wchar_t reload_event[] = L"Global\\tidelink_{35B11BAB-5238-4E93-B06A-92332C5D20FA}_v1.01";
 
 using shared_key_test = machine_test;

@@ -8,14 +8,41 @@
 #include "utility_driver/settings_key.h"
 #include "utility_driver/utility.h"
 
+#include <windows.h>
+
 #include <gmock/gmock.h>
+#include <tlhelp32.h>
 
 #include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
 #include <string>
 
 namespace e2e {
 
 using namespace utility_driver;
+
+inline constexpr char16_t about_title[] = u"About Tidelink Port Server";
+
+inline std::string content_of(const std::filesystem::path& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// The path of every library that a process has loaded, and its own, by the name in lower case.
+inline std::map<std::wstring, std::filesystem::path> modules_of(DWORD process)
+{
+    std::map<std::wstring, std::filesystem::path> modules;
+    const girder::unique_file snapshot(::CreateToolhelp32Snapshot(TH32CS_SNAPMODULE, process));
+    MODULEENTRY32W module{};
+    module.dwSize = sizeof module;
+    for (BOOL more = ::Module32FirstW(snapshot.get(), &module); more; more = ::Module32NextW(snapshot.get(), &module))
+        modules.emplace(::_wcslwr(module.szModule), static_cast<const wchar_t*>(module.szExePath));
+    return modules;
+}
 
 /// A window that does not answer for so long hangs, whatever else the machine does.
 inline constexpr std::chrono::seconds hang{2};

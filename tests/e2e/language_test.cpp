@@ -36,23 +36,21 @@ protected:
         return {};
     }
 
-    static std::string language_in(const utility& program, LRESULT entry)
-    {
-        wchar_t name[80]{};
-        ui_driver::send(program.control(id::language).handle(), CB_GETLBTEXT, static_cast<WPARAM>(entry),
-                        reinterpret_cast<LPARAM>(name));
-        return girder::to_utf8(girder::as_utf16(std::wstring_view(name)));
-    }
     static std::vector<std::string> languages_in(const utility& program)
     {
+        const HWND box = program.control(id::language).handle();
         std::vector<std::string> names;
-        for (LRESULT i = 0; i < ui_driver::send(program.control(id::language).handle(), CB_GETCOUNT); ++i)
-            names.push_back(language_in(program, i));
+        for (WPARAM i = 0; i < static_cast<WPARAM>(ui_driver::send(box, CB_GETCOUNT)); ++i) {
+            wchar_t name[80]{};
+            ui_driver::send(box, CB_GETLBTEXT, i, reinterpret_cast<LPARAM>(name));
+            names.push_back(girder::to_utf8(girder::as_utf16(std::wstring_view(name))));
+        }
         return names;
     }
     static std::string selected_in(const utility& program)
     {
-        return language_in(program, ui_driver::send(program.control(id::language).handle(), CB_GETCURSEL));
+        const LRESULT selected = ui_driver::send(program.control(id::language).handle(), CB_GETCURSEL);
+        return languages_in(program).at(static_cast<std::size_t>(selected));
     }
 
     static std::string apply_text(const ui_driver::dialog& window)
@@ -77,79 +75,55 @@ TEST_F(language_test, the_stored_language_is_shown_and_selected_among_all_in_the
     EXPECT_EQ(program.close(), 0U);
 }
 
-TEST_F(language_test, english_loads_no_pack_even_where_there_is_one_for_it)
+TEST_F(language_test, english_is_shown_when_it_is_stored_and_where_a_pack_is_malformed_empty_or_gone)
 {
     add_pack(u"de", u"en.Other English.1.lpack");
-    settings_key::write(u"language", text(u"en"));
-    EXPECT_EQ(apply_text(utility()), "Apply");
-}
-
-TEST_F(language_test, a_language_whose_pack_is_gone_is_english_and_stays_stored)
-{
-    add_pack(u"de");
-    settings_key::write(u"language", text(u"fr"));
-    const utility program;
-    EXPECT_EQ(apply_text(program), "Apply");
-    EXPECT_EQ(selected_in(program), "English");
-    program.control(id::auto_discovery).click();
-    program.control(id::apply).click();
-    EXPECT_THAT(settings_key::read(), Contains(Pair(u"language", text(u"fr"))));
-}
-
-TEST_F(language_test, a_malformed_pack_is_listed_and_shows_english)
-{
-    const std::filesystem::path pack = add_pack(u"de");
-    std::filesystem::resize_file(pack, std::filesystem::file_size(pack) - 1);
-    settings_key::write(u"language", text(u"de"));
-    for (const bool cut : {true, false}) {
+    const std::filesystem::path cut = add_pack(u"de");
+    std::filesystem::resize_file(cut, std::filesystem::file_size(cut) - 1);
+    std::ofstream(packs() / "pl.Polski.1.lpack").close(); // it cannot even be mapped
+    for (const auto& [stored, selected] :
+         {std::pair(u"en", "Other English"), {u"de", "Deutsch"}, {u"pl", "Polski"}, {u"fr", "English"}}) {
+        settings_key::write(u"language", text(stored));
         const utility program;
         EXPECT_EQ(apply_text(program), "Apply");
-        EXPECT_THAT(languages_in(program), ElementsAre("English", "Deutsch"));
-        EXPECT_EQ(selected_in(program), "Deutsch");
+        EXPECT_EQ(selected_in(program), selected);
+        program.control(id::auto_discovery).click();
+        program.control(id::apply).click();
+        EXPECT_THAT(settings_key::read(), Contains(Pair(u"language", text(stored))));
         EXPECT_EQ(program.close(), 0U);
-        if (cut)
-            std::ofstream(pack, std::ios::trunc); // empty now: it cannot even be mapped
     }
 }
 
-TEST_F(language_test, a_pack_that_goes_or_is_replaced_serves_until_the_end)
+TEST_F(language_test, a_pack_that_is_replaced_serves_until_the_end)
 {
     const std::filesystem::path pack = add_pack(u"de");
     settings_key::write(u"language", text(u"de"));
-    const std::filesystem::path away = pack.wstring() + L".away";
-    for (const bool replaced : {false, true}) {
-        {
-            const utility german;
-            EXPECT_EQ(apply_text(german), "Übernehmen");
-            EXPECT_FALSE(std::ofstream(pack, std::ios::trunc).is_open()) << "it is mapped";
-            std::filesystem::rename(pack, away);
-            if (replaced)
-                add_pack(u"ja", pack.filename().u16string());
-            german.choose_language(0);
-            const ui_driver::dialog question = german.message(question_title);
-            EXPECT_EQ(girder::to_utf8(question.item(id::yes).text()), "Ja");
-            utility::answer(question, id::no);
-            EXPECT_EQ(german.close(), 0U);
-        }
-        EXPECT_EQ(apply_text(utility()), replaced ? "適用" : "Apply");
-        std::filesystem::rename(away, pack);
+    {
+        const utility german;
+        EXPECT_EQ(apply_text(german), "Übernehmen");
+        EXPECT_FALSE(std::ofstream(pack, std::ios::trunc).is_open()) << "it is mapped";
+        std::filesystem::rename(pack, pack.wstring() + L".away");
+        add_pack(u"ja", pack.filename().u16string());
+        german.choose_language(0);
+        const ui_driver::dialog question = german.message(question_title);
+        EXPECT_EQ(girder::to_utf8(question.item(id::yes).text()), "Ja");
+        utility::answer(question, id::no);
+        EXPECT_EQ(german.close(), 0U);
     }
+    EXPECT_EQ(apply_text(utility()), "適用");
 }
 
 /// Reads the command line where the system keeps it in that process.
 std::wstring command_line_of(HANDLE process)
 {
-    const auto read = [process](const void* from, auto& into) {
-        return ::ReadProcessMemory(process, from, &into, sizeof into, nullptr) != FALSE;
-    };
     const auto query = reinterpret_cast<decltype(::NtQueryInformationProcess)*>(
         reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleW(L"ntdll.dll"), "NtQueryInformationProcess")));
     PROCESS_BASIC_INFORMATION basics{};
     PEB block{};
     RTL_USER_PROCESS_PARAMETERS parameters{};
-    if (query(process, ProcessBasicInformation, &basics, sizeof basics, nullptr) != 0 ||
-        !read(basics.PebBaseAddress, block) || !read(block.ProcessParameters, parameters))
-        return {};
+    query(process, ProcessBasicInformation, &basics, sizeof basics, nullptr);
+    ::ReadProcessMemory(process, basics.PebBaseAddress, &block, sizeof block, nullptr);
+    ::ReadProcessMemory(process, block.ProcessParameters, &parameters, sizeof parameters, nullptr);
     std::wstring line(parameters.CommandLine.Length / sizeof(wchar_t), L'\0');
     ::ReadProcessMemory(process, parameters.CommandLine.Buffer, line.data(), parameters.CommandLine.Length, nullptr);
     return line;

@@ -1,9 +1,2 @@
-#include <windows.h>
-
-BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* reserved)
-{
-    (void)instance;
-    (void)reason;
-    (void)reserved;
-    return TRUE;
-}
+// A library that does nothing.
+const int planted_library = 1;

@@ -5,7 +5,7 @@
 
 Makes an authority and signed copies of INSTALLER in FOLDER, answers on https://localhost:PORT while COMMAND runs, and
 ends with its exit code. It plays the scenario whose name stands in FOLDER/scenario, and says so in FOLDER/playing;
-FOLDER/requests lists the paths that were asked for. Only the test environment trusts FOLDER/authority.der.
+FOLDER/requests lists the paths that were asked for, with what is accepted and by whom. Only the test environment trusts FOLDER/authority.der.
 """
 
 import hashlib
@@ -103,8 +103,9 @@ def make_certificates(authority: Authority, stranger: Authority) -> dict[str, Pa
 class Answer:
     body: bytes = b""
     status: int = 200
+    """0: there is no head."""
     announced: int | None = None
-    """The length that the head tells; without it, the body's."""
+    """The length that the head tells; without it, the body's; below 0: none."""
     stalls: bool = False
     location: str | None = None
 
@@ -137,13 +138,14 @@ def make_scenarios(installers: dict[str, bytes]) -> dict[str, Scenario]:
         "same_version": Answer(offer(good).body.replace(b"%d" % NEWER, b"%d" % OWN)),
         "older": Answer(offer(good).body.replace(b"%d" % NEWER, b"1")),
         "announcements": manifest(OWN, **announcements),
-        "no_installer": manifest(NEWER),
         "manifest_404": Answer(b"{}", 404),
         "manifest_500": Answer(b"{}", 500),
         "manifest_empty": Answer(),
         "manifest_truncated": Answer(b'{"Version":%d' % NEWER, announced=1000),
+        "manifest_dropped": Answer(status=0),
+        "manifest_silent": Answer(status=0, stalls=True),
         "manifest_stalled": Answer(b'{"Version":', announced=1000, stalls=True),
-        "manifest_oversized": Answer(b'{"Version":%d,"x":"' % NEWER + b"x" * 600_000 + b'"}'),
+        "manifest_oversized": Answer(b'{"Version":%d,"x":"' % NEWER + b"x" * 600_000 + b'"}', announced=-1),
         "manifest_malformed": Answer(b"<html>It works!</html>"),
         "manifest_of_wrong_kind": manifest(NEWER, LanguagePacks="de"),
         "manifest_elsewhere_over_http": Answer(status=302, location=ELSEWHERE_OVER_HTTP),
@@ -176,7 +178,9 @@ class Handler(BaseHTTPRequestHandler):
 
     def do_GET(self) -> None:
         with self.server.requests.open("a") as requests:
-            requests.write(self.path + "\n")
+            # Wine's library accepts everything first, and then what it is told to.
+            accepted = self.headers.get_all("Accept", ["nothing"])[-1]
+            requests.write(f"{self.path} {accepted} {self.headers['User-Agent']}\n")
         scenario = self.server.scenario
         redirected = int(self.path.removeprefix("/sent/")) if self.path.startswith("/sent/") else 0
         if self.path == "/setup.exe":
@@ -187,15 +191,18 @@ class Handler(BaseHTTPRequestHandler):
             self.answer(scenario.manifest)
 
     def answer(self, answer: Answer) -> None:
-        self.send_response(answer.status)
-        self.send_header("Content-Length", str(len(answer.body) if answer.announced is None else answer.announced))
-        if answer.location:
-            self.send_header("Location", answer.location)
-        self.end_headers()
+        announced = len(answer.body) if answer.announced is None else answer.announced
+        if answer.status != 0:
+            self.send_response(answer.status)
+            if announced >= 0:
+                self.send_header("Content-Length", str(announced))
+            if answer.location:
+                self.send_header("Location", answer.location)
+            self.end_headers()
         self.wfile.write(answer.body)
         if answer.stalls:
             time.sleep(SILENCE)
-        self.close_connection = answer.announced is not None
+        self.close_connection = answer.status == 0 or answer.announced is not None
 
 
 class Server(ThreadingHTTPServer):
