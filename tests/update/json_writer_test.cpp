@@ -4,9 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <limits>
-#include <vector>
+#include <span>
 
 namespace {
 
@@ -15,14 +16,6 @@ using json::reader;
 using json::writer;
 
 constexpr nsm::guid some_guid{0x35B11BAB, 0x5238, 0x4E93, {0xB0, 0x6A, 0x92, 0x33, 0x2C, 0x5D, 0x20, 0xFA}};
-
-std::vector<std::byte> bytes_up_to(std::size_t count)
-{
-    std::vector<std::byte> bytes(count);
-    for (std::size_t i = 0; i < count; ++i)
-        bytes[i] = static_cast<std::byte>(i * 37);
-    return bytes;
-}
 
 TEST(json_writer_test, is_compact)
 {
@@ -36,33 +29,29 @@ TEST(json_writer_test, is_compact)
     out.write_unsigned("n", std::numeric_limits<std::uint64_t>::max());
     out.write_guid("id", some_guid);
     out.end_structure();
-    out.write_binary({}, bytes_up_to(2));
+    constexpr std::array bytes{std::byte{0xFB}, std::byte{0xFF}, std::byte{0}, std::byte{37}};
+    for (const std::size_t size : {0U, 1U, 2U, 3U, 4U})
+        out.write_binary({}, std::span(bytes).first(size));
     out.end_array();
+    out.write_double("nan", std::nan(""));
+    out.write_double("low", -std::numeric_limits<double>::infinity());
+    out.write_float("no text for it", std::numeric_limits<float>::infinity());
     out.begin_structure("empty", 0);
     out.end_structure();
-    EXPECT_EQ(out.finish(), "{\"text\":\"a\\\"b\\\\c\\td\\ne\\rf\xC3\xA9/\x01\",\"yes\":true,\"none@3\":null,"
-                            "\"list\":[-1,{\"n\":18446744073709551615,"
-                            "\"id\":\"{35B11BAB-5238-4E93-B06A-92332C5D20FA}\"},\"ACU=\"],\"empty\":{}}");
+    EXPECT_EQ(out.finish(),
+              "{\"text\":\"a\\\"b\\\\c\\td\\ne\\rf\xC3\xA9/\x01\",\"yes\":true,\"none@3\":null,"
+              "\"list\":[-1,{\"n\":18446744073709551615,"
+              "\"id\":\"{35B11BAB-5238-4E93-B06A-92332C5D20FA}\"},\"\",\"+w==\",\"+/8=\",\"+/8A\",\"+/8AJQ==\"],"
+              "\"nan\":-nan,\"low\":-inf,\"no text for it\":null,\"empty\":{}}");
 }
 
-TEST(json_writer_test, what_is_written_reads_back)
+TEST(json_writer_test, a_date_reads_back)
 {
     const file_time written{unix_epoch_ticks + 1'750'852'800 * ticks_per_second};
     writer out;
     out.write_date("date", written);
-    out.write_double("nan", std::nan(""));
-    out.write_double("low", -std::numeric_limits<double>::infinity());
-    out.write_float("high", std::numeric_limits<float>::infinity());
-    for (const std::size_t size : {0U, 1U, 2U, 3U, 256U})
-        out.write_binary(std::string_view(std::to_string(size)), bytes_up_to(size));
     const std::string text = out.finish();
-    const reader object(text);
-    EXPECT_EQ(object.find("date").as_date(), written);
-    EXPECT_TRUE(std::isnan(object.find("nan").as_double()));
-    EXPECT_EQ(object.find("low").as_double(), -HUGE_VAL);
-    EXPECT_TRUE(object.find("high").is_null()) << "there is no text for it";
-    for (const std::size_t size : {0U, 1U, 2U, 3U, 256U})
-        EXPECT_EQ(object.find(std::to_string(size)).as_binary(), bytes_up_to(size));
+    EXPECT_EQ(reader(text).find("date").as_date(), written);
 }
 
 TEST(json_writer_test, settings_go_through_it)

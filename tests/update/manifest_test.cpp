@@ -1,5 +1,4 @@
 #include "serialisation/load_exception.h"
-#include "update/encoded_version.h"
 #include "update/manifest.h"
 
 #include <gtest/gtest.h>
@@ -77,19 +76,6 @@ TEST(manifest_test, what_cannot_be_read_is_refused_with_the_reason)
             EXPECT_EQ(error.what(), reason) << text;
         }
     }
-}
-
-TEST(manifest_test, check_path)
-{
-    EXPECT_EQ(check_path(encode({7, 1, 0, 1604})), u"/dispatch/tps-server7/checkforupdates?ver=701001604");
-    EXPECT_EQ(check_path(encode({})), u"/dispatch/tps-server7/checkforupdates?ver=0");
-}
-
-TEST(encoded_version_test, decodes_part_by_part)
-{
-    EXPECT_EQ(decode(701011700), (girder::product_version{7, 1, 1, 1700}));
-    EXPECT_EQ(decode(encode({42, 94, 96, 7295})), (girder::product_version{42, 94, 96, 7295}));
-    EXPECT_EQ(decode(UINT32_MAX), (girder::product_version{42, 94, 96, 7295}));
 }
 
 TEST(manifest_test, an_address_of_the_vendor_stays_on_https)
