@@ -76,25 +76,10 @@ protected:
 TEST_F(config_dialog_test, a_command_by_the_registered_message_answers_1)
 {
     open(u"D:");
-    const auto send = [&](UINT message, int control, int notification) {
-        return ::SendMessageW(dialog_->window(), message, MAKEWPARAM(control, notification), 0);
-    };
-    EXPECT_EQ(send(messages().process_command, IDC_STATUS, 99), 0) << "not handled";
-    EXPECT_FALSE(dirty());
-    EXPECT_EQ(send(messages().process_command, IDC_AUTO_DISCOVERY, BN_CLICKED), 1);
+    const WPARAM command = MAKEWPARAM(IDC_AUTO_DISCOVERY, BN_CLICKED);
+    EXPECT_EQ(::SendMessageW(dialog_->window(), messages().process_command, command, 0), 1);
     EXPECT_TRUE(dirty());
-    EXPECT_EQ(send(WM_COMMAND, IDC_SHARE_SELECTED, BN_CLICKED), 0);
-}
-
-TEST_F(config_dialog_test, with_neither_radio_button_checked_no_port_is_listed)
-{
-    open(u"D:");
-    girder::ui::check_list::append(dialog_->control(IDC_PORTS), u"Port", 5, true);
-    girder::ui::set_checked_button(dialog_->control(IDC_SHARE_ALL), false);
-    press(IDC_AUTO_DISCOVERY);
-    press(IDC_APPLY);
-    EXPECT_TRUE(LoadSettings().sharedPorts.empty());
-    EXPECT_FALSE(dirty());
+    EXPECT_EQ(::SendMessageW(dialog_->window(), WM_COMMAND, command, 0), 0);
 }
 
 TEST_F(config_dialog_test, who_can_connect_is_said_in_words)
@@ -115,9 +100,7 @@ TEST_F(config_dialog_test, who_can_connect_is_said_in_words)
         EXPECT_EQ(girder::to_utf8(access_words(sddl)), words);
 }
 
-constexpr std::u16string_view users_alone = u"D:(A;;0xc0100000;;;AU)";
-
-TEST_F(config_dialog_test, cancel_in_the_editor_changes_and_asks_nothing)
+TEST_F(config_dialog_test, cancel_in_the_editor_or_its_failure_changes_nothing)
 {
     constexpr std::u16string_view with_a_hidden_entry = u"D:(A;;0xc0100004;;;BA)(A;;0xc0100000;;;AU)";
     open(with_a_hidden_entry);
@@ -128,7 +111,9 @@ TEST_F(config_dialog_test, cancel_in_the_editor_changes_and_asks_nothing)
         return false;
     }));
     EXPECT_THAT(press_security({}), ElementsAre());
-    EXPECT_EQ(opened_, 1);
+    set_editor([](HWND, ISecurityInformation&) -> bool { girder::throw_win32(ERROR_MOD_NOT_FOUND, "LoadLibraryExW"); });
+    EXPECT_THAT(press_security({IDOK}), ElementsAre(HasSubstr("0x0000007e")));
+    EXPECT_EQ(opened_, 2);
     EXPECT_FALSE(dirty());
     EXPECT_EQ(words(), "2 accounts or groups");
     press(IDC_APPLY);
@@ -137,7 +122,7 @@ TEST_F(config_dialog_test, cancel_in_the_editor_changes_and_asks_nothing)
 
 TEST_F(config_dialog_test, the_words_follow_each_edit_and_the_next_one_starts_from_the_last)
 {
-    open(users_alone);
+    open(u"D:(A;;0xc0100000;;;AU)");
     set_editor(support::scripted_editor([](support::open_editor& editor) {
         editor.apply("-u7 +AU +u8");
         return true;
@@ -153,16 +138,6 @@ TEST_F(config_dialog_test, the_words_follow_each_edit_and_the_next_one_starts_fr
     EXPECT_THAT(words(), HasSubstr("Warning"));
     press(IDC_APPLY);
     EXPECT_EQ(stored_list(), list_of("own closed"));
-}
-
-TEST_F(config_dialog_test, an_editor_that_fails_is_reported_and_changes_nothing)
-{
-    open(users_alone);
-    set_editor([](HWND, ISecurityInformation&) -> bool { girder::throw_win32(ERROR_MOD_NOT_FOUND, "LoadLibraryExW"); });
-    EXPECT_THAT(press_security({IDOK}), ElementsAre(HasSubstr("0x0000007e")));
-    EXPECT_FALSE(dirty());
-    press(IDC_APPLY);
-    EXPECT_EQ(stored(), users_alone);
 }
 
 TEST_F(config_dialog_test, an_unreadable_list_stays_until_the_default_is_wanted)
@@ -199,18 +174,6 @@ TEST_F(config_dialog_test, losing_entries_that_the_editor_cannot_show_is_asked_o
     EXPECT_THAT(press_security({}), ElementsAre());
     press(IDC_APPLY);
     EXPECT_EQ(stored_list(), list_of("own +WD"));
-}
-
-TEST_F(config_dialog_test, nothing_is_asked_once_the_window_was_closed_under_the_editor)
-{
-    open(u"D:(A;;0xc0100004;;;AU)");
-    set_editor([](HWND owner, ISecurityInformation&) {
-        ::SendMessageW(owner, WM_CLOSE, 0, 0);
-        MSG quit{};
-        EXPECT_TRUE(::PeekMessageW(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE));
-        return true;
-    });
-    EXPECT_THAT(press_security({}), ElementsAre());
 }
 
 } // namespace
