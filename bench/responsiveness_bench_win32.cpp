@@ -54,6 +54,11 @@ std::vector<flow> flows()
              program.check_ports({3, 5});
              program.control(id::apply).click();
          }},
+        {"another language, answered with No",
+         [](const utility& program) {
+             program.choose_language(0);
+             utility::answer(program.message(question_title), id::no);
+         }},
         {"the About box",
          [](const utility& program) {
              program.control(id::about).post_click();
@@ -63,11 +68,6 @@ std::vector<flow> flows()
          [](const utility& program) {
              program.control(id::security).post_click();
              utility::answer(program.access_editor(), id::cancel);
-         }},
-        {"another language, answered with No",
-         [](const utility& program) {
-             program.choose_language(0);
-             utility::answer(program.message(question_title), id::no);
          }},
         {"a start of the service, behind its first 500 ms",
          [](const utility& program) { press_and_wait(program, id::start); }, silent_wait},

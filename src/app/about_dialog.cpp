@@ -7,6 +7,7 @@
 #include "resource.h"
 #include "string_ids.h"
 #include "ui/controls.h"
+#include "ui/drawing.h"
 #include "ui/icons.h"
 #include "ui/rich_text.h"
 #include "ui/rich_view.h"
@@ -53,6 +54,9 @@ std::u16string about_text(const girder::product_version& version)
 
 void AboutDialog::show(HWND owner)
 {
+    girder::ui::drawing::prepare();
+    if (owner && !::IsWindow(owner))
+        return;
     owner_ = owner;
     run_modal(IDD_ABOUT, owner);
 }

@@ -1,5 +1,6 @@
 #include "app/config_dialog.h"
 
+#include "app/about_dialog.h"
 #include "app/access_command.h"
 #include "app/config_layout.h"
 #include "app/error_log.h"
@@ -144,8 +145,6 @@ bool ConfigDialog::on_initialise()
     enable_list_by_share_mode();
     lay_out(::GetDpiForWindow(window()));
     finish_later();
-    if (update_)
-        update_->start_later();
     // The status comes first in the tab order, but what an administrator is here for is the choice of ports.
     ::SetFocus(control(model_.initial_share_mode() == share_mode::all_ports ? IDC_SHARE_ALL : IDC_SHARE_SELECTED));
     return false;
@@ -208,6 +207,8 @@ try {
         return;
     for (const auto& [id, string] : control_tips)
         tips_.set(window(), control(id), text(string));
+    if (update_)
+        update_->start_later();
     if (!failures_.empty())
         show_load_failures();
 } catch (...) {
@@ -327,6 +328,11 @@ void ConfigDialog::on_security()
     show_dirty();
     show_who_can_connect();
     lay_out(dpi());
+}
+
+void ConfigDialog::on_about()
+{
+    AboutDialog(update_ ? update_->announcements() : std::u16string()).show(window());
 }
 
 void ConfigDialog::on_language_selected()

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "app/about_command.h"
 #include "app/config_model.h"
 #include "app/restart_request.h"
 #include "app/service_commands.h"
@@ -73,7 +72,7 @@ private:
     void on_apply();
     void on_share_mode_selected();
     void on_changed();
-    void on_about() { about_.open(); }
+    void on_about();
     void on_security();
     void on_language_selected();
     void on_start();
@@ -102,7 +101,6 @@ private:
     config_model model_;
     access_editor access_editor_ = run_system_access_editor;
     std::optional<update_offer> update_;
-    about_command about_{thread_, *this, update_};
     bool shown_ = false;
     std::vector<std::u16string> languages_; ///< locales, in the order of the combo box
 };

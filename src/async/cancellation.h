@@ -70,7 +70,7 @@ private:
 /// Calls back once when a cancellation is requested, at once where that was before.
 class cancellation_callback {
 public:
-    /// \param callback  registers and removes no callbacks of the same source
+    /// \param callback  does not throw, and neither requests nor has other callbacks of the same source
     cancellation_callback(cancellation cancelled, std::function<void()> callback);
     cancellation_callback(const cancellation_callback&) = delete;
     cancellation_callback& operator=(const cancellation_callback&) = delete;

@@ -80,17 +80,31 @@ void read_field(const Table& table, std::size_t wanted, const value_reader& valu
     std::apply([&](const auto&... row) { return ((index++ == wanted && read(row)) || ...); }, table.fields);
 }
 
+/// Calls read(index, value) for the fields that an object has, of members with the same name for the first.
+/// \return which fields those are
+template <typename Table, typename Read>
+auto read_present(const Table& table, const value_reader& object, const Read& read)
+{
+    std::array<bool, std::tuple_size_v<decltype(Table::fields)>> seen{};
+    const auto take = [&](std::size_t index, const value_reader& value) {
+        if (!std::exchange(seen[index], true))
+            read(index, value);
+    };
+    object.visit_named(table.names, std::ref(take)); // a copy would be made on the heap for every object
+    return seen;
+}
+
 } // namespace details
 
-/// Fills the record with the members of an object. Fields that the object lacks keep their values; unknown members are
-/// ignored.
+/// Fills the record with the members of an object. Fields that the object lacks keep their values; of members with the
+/// same name the first counts; unknown members are ignored.
 /// \param on_failure  takes the error of a single field, which then keeps its value, and the others are read all the
 ///                    same. Empty: the first error is thrown, and the fields read before keep what was read
 /// \throws details::load_exception
 template <typename Table, typename Record>
 void read_record(const Table& table, const value_reader& object, Record& record, const field_failure& on_failure = {})
 {
-    object.visit_named(table.names, [&](std::size_t index, const value_reader& value) {
+    details::read_present(table, object, [&](std::size_t index, const value_reader& value) {
         try {
             details::read_field(table, index, value, record);
         } catch (const details::load_exception& error) {
@@ -101,21 +115,16 @@ void read_record(const Table& table, const value_reader& object, Record& record,
     });
 }
 
-/// Fills the record with the members of an object that is written as a whole: a field that the object lacks is read
-/// from a null, which a std::optional accepts and any other kind of field refuses. Of members with the same name the
-/// first counts; unknown members are ignored.
+/// The same for an object that is written as a whole: a field that the object lacks is read from a null, which a
+/// std::optional accepts and any other kind of field refuses.
 /// \throws details::load_exception; the fields read before keep what was read
 template <typename Table, typename Record>
 void read_complete_record(const Table& table, const value_reader& object, Record& record)
 {
-    constexpr std::size_t field_count = std::tuple_size_v<decltype(Table::fields)>;
-    std::array<bool, field_count> seen{};
-    const auto take = [&](std::size_t index, const value_reader& value) {
-        if (!std::exchange(seen[index], true))
-            details::read_field(table, index, value, record);
-    };
-    object.visit_named(table.names, std::ref(take)); // a copy would be made on the heap for every object
-    for (std::size_t index = 0; index < field_count; ++index)
+    const auto seen = details::read_present(table, object, [&](std::size_t index, const value_reader& value) {
+        details::read_field(table, index, value, record);
+    });
+    for (std::size_t index = 0; index < seen.size(); ++index)
         if (!seen[index])
             details::read_field(table, index, absent_value(), record);
 }

@@ -111,7 +111,8 @@ public:
     /// Visits the members of a structure, in an order of the store's choice. The views and the value live for the call.
     virtual void visit_members(const member_visitor& visit) const = 0;
     /// Visits those members of a structure that have one of the `names`, with its index there; names with a suffix are
-    /// none of them. A store may find a member faster when it comes behind its forerunner in `names`.
+    /// none of them. There are no quotes and backslashes in `names`. A store may find a member faster when it comes
+    /// behind its forerunner in `names`.
     virtual void visit_named(std::span<const std::string_view> names, const named_visitor& visit) const;
     /// The version that a structure was written with; 0 when none is stored.
     virtual std::uint32_t structure_version() const = 0;

@@ -6,6 +6,7 @@
 #include "base/win32_error.h"
 
 #include <memory>
+#include <utility>
 
 namespace girder::ui {
 namespace {
@@ -41,6 +42,26 @@ drawing* drawing::shared()
         }
     }();
     return only.get();
+}
+
+void drawing::prepare() noexcept
+{
+    static bool begun = false;
+    if (std::exchange(begun, true))
+        return;
+    const unique_kernel_handle made{::CreateEventW(nullptr, TRUE, FALSE, nullptr)};
+    const auto make = [](PTP_CALLBACK_INSTANCE, void* event) noexcept {
+        shared();
+        ::SetEvent(event);
+    };
+    if (!made || !::TrySubmitThreadpoolCallback(make, made.get(), nullptr))
+        return;
+    const HANDLE event = made.get();
+    while (::MsgWaitForMultipleObjects(1, &event, FALSE, INFINITE, QS_SENDMESSAGE | QS_PAINT) == WAIT_OBJECT_0 + 1) {
+        MSG message;
+        while (::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE | PM_QS_SENDMESSAGE | PM_QS_PAINT))
+            ::DispatchMessageW(&message);
+    }
 }
 
 void drawing::draw_once()

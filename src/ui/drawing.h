@@ -22,8 +22,11 @@ public:
     ~drawing() = default;
 
     /// The object of the process; null where this system cannot draw so, which is logged once: GDI has to do then.
-    /// The first call, on any thread, can take most of a second where Direct2D has no hardware to draw with.
     static drawing* shared();
+    /// Has the object made before it is needed, on the thread pool: that can take most of a second where Direct2D has
+    /// no hardware to draw with. Until it is there this thread's windows answer and are painted, and input waits.
+    /// User-interface thread only.
+    static void prepare() noexcept;
 
     IDWriteFactory& direct_write() const noexcept { return *direct_write_.get(); }
 

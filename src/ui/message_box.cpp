@@ -5,6 +5,7 @@
 #include "ui/clipboard.h"
 #include "ui/controls.h"
 #include "ui/dialog.h"
+#include "ui/drawing.h"
 #include "ui/icons.h"
 #include "ui/message_box_ids.h"
 #include "ui/rich_text.h"
@@ -108,6 +109,9 @@ public:
 
     message_answer show()
     {
+        drawing::prepare();
+        if (owner_ && !::IsWindow(owner_))
+            return {};
         const auto button = static_cast<int>(run_modal(IDD_MESSAGE_BOX, owner_));
         return {.button = button, .checked = checked_};
     }

@@ -29,7 +29,7 @@ struct message_request {
 };
 
 struct message_answer {
-    int button = 0;
+    int button = 0; ///< 0 where the owner was closed before the box was there
     bool checked = false;
 };
 
