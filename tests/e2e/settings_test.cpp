@@ -10,6 +10,7 @@
 
 #include <sddl.h>
 
+#include <algorithm>
 #include <array>
 #include <optional>
 
@@ -159,7 +160,7 @@ TEST_F(settings_test, what_a_save_would_lose_is_named_and_asked_first)
 
 using generated_settings_test = machine_test;
 
-TEST_F(generated_settings_test, the_program_starts_names_what_it_could_not_read_and_writes_nothing)
+TEST_F(generated_settings_test, what_can_be_read_is_shown_the_rest_named_once_and_nothing_written)
 {
     for (unsigned seed = 20'001; seed <= 20'050; ++seed) {
         SCOPED_TRACE(seed);
@@ -172,7 +173,12 @@ TEST_F(generated_settings_test, the_program_starts_names_what_it_could_not_read_
             for (const std::u16string& name : key.unreadable())
                 EXPECT_THAT(utility::text_of(box), HasSubstr(girder::to_utf8(name)));
             utility::answer(box, id::ok);
+            EXPECT_TRUE(ui_driver::find_dialogs(error_title, program.process_id()).empty()) << "told twice";
         }
+        const auto stored = before.find(u"autoDiscovery");
+        const bool by_default = stored == before.end() || key.unreadable().contains(u"autoDiscovery");
+        EXPECT_EQ(program.control(id::auto_discovery).checked(),
+                  by_default || std::ranges::any_of(stored->second.data, [](std::uint8_t byte) { return byte != 0; }));
         EXPECT_FALSE(program.apply_enabled());
         ASSERT_EQ(program.close(), 0U);
         ASSERT_EQ(settings_key::read(), before);
