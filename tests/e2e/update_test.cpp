@@ -30,6 +30,7 @@ constexpr std::size_t cache = 1;        ///< the section with the index of answe
 constexpr std::size_t exception = 5;    ///< what the compiler's library holds for a thread, and the debug log's mutex
 constexpr std::size_t ended_thread = 3; ///< the same when the thread has ended
 constexpr std::size_t question = 3;     ///< the registry keys of sounds and displays
+constexpr std::size_t blocked_read = 4; ///< a read that waits for the server: the answer's file, twice, and two events
 constexpr std::size_t refused_server = network + certificates + exception;
 constexpr std::size_t answer = network + certificates + connection + cache;
 constexpr std::size_t failed_answer = answer + exception;
@@ -95,7 +96,40 @@ protected:
 
     std::string record() const { return content_of(record_); }
 
+    /// Starts the program and counts its handles before its check, which begins two seconds later: on a busy machine
+    /// counting may take longer, and begins again.
+    const utility& start_counted(const char* scenario)
+    {
+        bool counted = false;
+        for (int attempt = 0; attempt < 10 && !counted; ++attempt) {
+            program_.reset();
+            remove_left_folders();
+            play(scenario);
+            program_.emplace();
+            EXPECT_TRUE(program_->window().exists());
+            handles_before_ = support::settled([this] { return handles(); }, 500ms);
+            counted = !modules_of(program_->process_id()).contains(L"wininet.dll");
+        }
+        EXPECT_TRUE(counted);
+        return *program_;
+    }
+
+    void expect_kept(std::size_t by_the_system)
+    {
+        std::size_t more = 0;
+        EXPECT_TRUE(eventually([&] {
+            // The thread pool lets its threads go after some seconds; each has had some handles.
+            more = support::settled([this] { return handles(); }, 1s) - handles_before_;
+            return more == by_the_system;
+        })) << more
+            << " more handles than before, of which the system keeps " << by_the_system;
+    }
+
 private:
+    std::size_t handles() const { return support::handle_count(program_->process_id()); }
+
+    std::optional<utility> program_;
+    std::size_t handles_before_ = 0;
     const std::filesystem::path record_ = server_folder / "installer record";
     support::debug_monitor log_;
 };
@@ -131,22 +165,22 @@ TEST_F(update_test, yes_applies_what_is_changed_and_starts_the_installer_which_w
 
 TEST_F(update_test, what_cannot_be_started_is_deleted_and_told)
 {
-    play("not_a_program");
-    const utility program;
+    const utility& program = start_counted("not_a_program");
     utility::answer(program.message(question_title), id::yes);
     utility::answer(program.message(error_title), id::ok);
+    expect_kept(kept::failed_answer + kept::question);
     EXPECT_EQ(left_folders(), 0U);
     EXPECT_EQ(program.close(), 0U);
 }
 
 TEST_F(update_test, a_release_without_an_installer_is_told_after_nine_redirects_at_most)
 {
-    play("nine_redirects");
     {
-        const utility program;
+        const utility& program = start_counted("nine_redirects");
         const ui_driver::dialog told = program.message(question_title);
         EXPECT_THAT(utility::text_of(told), testing::HasSubstr("7.01.01.1700 is available."));
         utility::answer(told, id::ok);
+        expect_kept(kept::answer + kept::ended_thread + kept::question);
         EXPECT_EQ(program.close(), 0U);
     }
     play("ten_redirects");
@@ -174,8 +208,7 @@ TEST_F(update_test, announcements_are_plain_texts_in_the_about_box)
 
 TEST_F(update_test, a_server_that_falls_silent_is_given_up_after_30_seconds)
 {
-    play("manifest_stalled");
-    const utility program;
+    const utility& program = start_counted("manifest_stalled");
     const ui_driver::round_trips trips(program.window().handle());
     EXPECT_TRUE(eventually([] { return requests() == 1; }));
     const auto silent_since = std::chrono::steady_clock::now();
@@ -185,6 +218,7 @@ TEST_F(update_test, a_server_that_falls_silent_is_given_up_after_30_seconds)
         ::PostMessageW(program.window().handle(), WM_TIMER, timer_of_update_check, 0);
     EXPECT_TRUE(eventually([&] { return logged(program).find(" 00002EE2 ") != std::string::npos; }, 60s));
     EXPECT_GT(std::chrono::steady_clock::now() - silent_since, 29s);
+    expect_kept(kept::failed_answer + kept::blocked_read);
     EXPECT_EQ(requests(), 1U);
     EXPECT_LT(trips.longest(), hang);
     EXPECT_EQ(program.close(), 0U);
@@ -215,38 +249,18 @@ class unused_test : public update_test, public testing::WithParamInterface<unuse
 TEST_P(unused_test, leaves_nothing_of_its_check)
 {
     const unused_case& row = GetParam();
-    std::optional<utility> program;
-    const auto handles = [&program] { return support::handle_count(program->process_id()); };
-    std::size_t before = 0;
-    bool counted = false;
-    // The check begins two seconds after the start: a busy machine may take longer to count, and begins again.
-    for (int attempt = 0; attempt < 10 && !counted; ++attempt) {
-        program.reset();
-        remove_left_folders();
-        play(row.name);
-        program.emplace();
-        EXPECT_TRUE(program->window().exists());
-        before = support::settled(handles, 500ms);
-        counted = !modules_of(program->process_id()).contains(L"wininet.dll");
-    }
-    ASSERT_TRUE(counted);
-    const ui_driver::round_trips trips(program->window().handle());
+    const utility& program = start_counted(row.name);
+    const ui_driver::round_trips trips(program.window().handle());
     EXPECT_TRUE(eventually([&] {
-        return requests() >= row.requests && logged(*program).find(row.logged) != std::string::npos;
-    })) << logged(*program);
+        return requests() >= row.requests && logged(program).find(row.logged) != std::string::npos;
+    })) << logged(program);
     if (row.offered)
-        utility::answer(program->message(question_title), id::no);
-    std::size_t more = 0;
-    EXPECT_TRUE(eventually([&] {
-        // The thread pool lets its threads go after some seconds; each has had some handles.
-        more = support::settled(handles, 1s) - before;
-        return more == row.kept;
-    })) << more
-        << " more handles than before, of which the system keeps " << row.kept;
+        utility::answer(program.message(question_title), id::no);
+    expect_kept(row.kept);
     EXPECT_LT(trips.longest(), hang);
     EXPECT_EQ(requests(), row.requests);
     EXPECT_EQ(left_folders(), 0U);
-    EXPECT_EQ(program->close(), 0U) << "no box stands before the window";
+    EXPECT_EQ(program.close(), 0U) << "no box stands before the window";
     EXPECT_EQ(record(), "");
 }
 
