@@ -261,6 +261,8 @@ const char* reader::after_unread_value() const
             ++open;
             objects = objects << 1 | (*at == '{' ? 1 : 0);
             ++at;
+        } else if (*at == '"') {
+            at = scan_text(at).after();
         } else {
             at = after_scalar(at);
         }
