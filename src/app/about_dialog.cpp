@@ -54,8 +54,7 @@ std::u16string about_text(const girder::product_version& version)
 
 void AboutDialog::show(HWND owner)
 {
-    girder::ui::drawing::prepare();
-    if (owner && !::IsWindow(owner))
+    if (!girder::ui::drawing::prepare(owner))
         return;
     owner_ = owner;
     run_modal(IDD_ABOUT, owner);

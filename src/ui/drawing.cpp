@@ -44,11 +44,16 @@ drawing* drawing::shared()
     return only.get();
 }
 
-void drawing::prepare() noexcept
+bool drawing::prepare(HWND owner) noexcept
 {
     static bool begun = false;
-    if (std::exchange(begun, true))
-        return;
+    if (!std::exchange(begun, true))
+        make_on_the_pool();
+    return !owner || ::IsWindow(owner);
+}
+
+void drawing::make_on_the_pool() noexcept
+{
     const unique_kernel_handle made{::CreateEventW(nullptr, TRUE, FALSE, nullptr)};
     const auto make = [](PTP_CALLBACK_INSTANCE, void* event) noexcept {
         shared();

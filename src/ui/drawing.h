@@ -26,7 +26,9 @@ public:
     /// Has the object made before it is needed, on the thread pool: that can take most of a second where Direct2D has
     /// no hardware to draw with. Until it is there this thread's windows answer and are painted, and input waits.
     /// User-interface thread only.
-    static void prepare() noexcept;
+    /// \param owner  of the window that will be drawn in; may be null
+    /// \return false where the owner was closed meanwhile
+    static bool prepare(HWND owner) noexcept;
 
     IDWriteFactory& direct_write() const noexcept { return *direct_write_.get(); }
 
@@ -37,6 +39,7 @@ public:
     bool paint(HDC device, const RECT& part, const std::function<void(ID2D1RenderTarget&)>& draw);
 
 private:
+    static void make_on_the_pool() noexcept;
     void make_target();
     /// The first time takes longer than all others. Where it fails, so will the drawings, and tell.
     void draw_once();

@@ -109,8 +109,7 @@ public:
 
     message_answer show()
     {
-        drawing::prepare();
-        if (owner_ && !::IsWindow(owner_))
+        if (!drawing::prepare(owner_))
             return {};
         const auto button = static_cast<int>(run_modal(IDD_MESSAGE_BOX, owner_));
         return {.button = button, .checked = checked_};
