@@ -6,8 +6,10 @@
 #include "base/win32_error.h"
 #include "device_database/device_database.h"
 #include "handle_figures/handle_figures.h"
+#include "static_controls.h"
 #include "ui_driver/polling.h"
 #include "utility_driver/demo_service.h"
+#include "utility_driver/processes.h"
 #include "utility_driver/settings_key.h"
 #include "utility_driver/utility.h"
 
@@ -34,7 +36,7 @@ struct figure {
     std::size_t value = SIZE_MAX;
     bool judged = true;
 };
-using figures = std::array<figure, 5>;
+using figures = std::array<figure, 6>;
 
 /// What is committed for the process alone, by the map of its address space. The counter of the system would count in
 /// Wine also what the display's software renderer takes beneath that map.
@@ -58,18 +60,23 @@ std::size_t counted_kilobytes(HANDLE process)
 }
 
 /// The least of each over some seconds, in which the threads of the pool end that have nothing left to do.
-figures look_at(const utility& program)
+/// \param kept  kilobytes that the system keeps of static controls that are gone
+figures look_at(const utility& program, std::size_t kept)
 {
     figures least{{{.name = "handles"},
                    {.name = "GDI objects"},
                    {.name = "mark of USER objects"},
-                   {.name = "committed KiB"},
+                   {.name = "committed KiB less those the system keeps of static controls"},
+                   {.name = "KiB that it keeps", .judged = false},
                    {.name = "KiB by the system's counter", .judged = false}}};
     for (const auto until = clock::now() + 12s; clock::now() < until; ::Sleep(500)) {
-        const std::array<std::size_t, 5> now{handle_figures::handle_count(program.process_id()),
-                                             handle_figures::gdi_object_count(program.process()),
-                                             handle_figures::handle_marks()[2], committed_kilobytes(program.process()),
-                                             counted_kilobytes(program.process())};
+        const std::size_t committed = committed_kilobytes(program.process());
+        const std::array<std::size_t, least.size()> now{handle_figures::handle_count(program.process_id()),
+                                                        handle_figures::gdi_object_count(program.process()),
+                                                        handle_figures::handle_marks()[2],
+                                                        committed - kept,
+                                                        kept,
+                                                        counted_kilobytes(program.process())};
         for (std::size_t i = 0; i < now.size(); ++i)
             least.at(i).value = std::min(least.at(i).value, now.at(i));
     }
@@ -84,8 +91,8 @@ void print(const figures& what, long long seconds, int rounds)
     std::cout << '\n' << std::flush;
 }
 
-/// Now and then, on a busy machine, Wine gets a process not started, which the program tells in a box. \return whether
-/// it went well
+/// Now and then, on a busy machine, Wine gets a process not started, or one that stopped not ended, which the program
+/// tells in a box. \return whether it went well
 bool press(const utility& program, int button, int enabled_then)
 {
     const ui_driver::dialog window = program.window();
@@ -138,8 +145,8 @@ constexpr flow flows[] = {
      }},
     {"service",
      [](const utility& program, int) {
-         if (press(program, id::start, id::stop))
-             press(program, id::stop, id::start);
+         if (!press(program, id::start, id::stop) || !press(program, id::stop, id::start))
+             end_processes(L"tl_server.exe");
      }},
 };
 
@@ -175,11 +182,13 @@ void prepare(const demo_service& service)
     service.install();
 }
 
-bool soak(std::chrono::minutes duration, std::string_view only)
+bool stays_steady(std::chrono::minutes duration, std::string_view only)
 {
     const demo_service service;
     prepare(service);
     const utility program(service.program());
+    const std::size_t bytes_kept_for_each = soak::bytes_kept_for_a_static_control();
+    const soak::static_control_counter static_controls(program.process_id());
     program.control(id::share_selected).click();
     const auto begin = clock::now();
     const auto seconds = [begin] {
@@ -193,7 +202,7 @@ bool soak(std::chrono::minutes duration, std::string_view only)
             for (const flow& each : flows)
                 if (only.empty() || only == each.name)
                     run(each, program, rounds);
-        const figures now = look_at(program);
+        const figures now = look_at(program, static_controls.count() * bytes_kept_for_each / 1024);
         print(now, seconds(), rounds);
         return now;
     };
@@ -222,7 +231,7 @@ try {
     program_under_test = std::filesystem::absolute(argv[1]).u16string();
     server_under_test = std::filesystem::absolute(argv[2]).u16string();
     const std::chrono::minutes duration(std::strtol(argv[3], nullptr, 10));
-    return soak(duration, argc == 5 ? argv[4] : "") ? EXIT_SUCCESS : EXIT_FAILURE;
+    return stays_steady(duration, argc == 5 ? argv[4] : "") ? EXIT_SUCCESS : EXIT_FAILURE;
 } catch (const std::exception& error) {
     std::cerr << "soak: " << error.what() << '\n';
     return EXIT_FAILURE;
