@@ -40,10 +40,10 @@ void read_value(const value_reader& reader, std::vector<Value>& value)
 template <typename Value>
 void read_value(const value_reader& reader, std::optional<Value>& value)
 {
-    if (reader.is_null())
-        value.reset();
-    else
-        read_value(reader, value.emplace());
+    std::optional<Value> read;
+    if (!reader.is_null())
+        read_value(reader, read.emplace());
+    value = std::move(read);
 }
 
 } // namespace girder::nsm

@@ -1,10 +1,13 @@
+#include "registry/single_value_reader.h"
 #include "registry/stored_value.h"
 #include "serialisation/date_text.h"
+#include "serialisation/field_values.h"
 #include "serialisation/load_exception.h"
 
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <optional>
 #include <tuple>
 
 namespace {
@@ -63,6 +66,13 @@ TEST(stored_value_test, texts_may_lack_their_terminating_null)
     EXPECT_EQ(text(u"de").as_string(), u"de");
     EXPECT_EQ(text(std::u16string_view(u"de\0", 3)).as_string(), u"de");
     EXPECT_EQ(made(value_type::text, nullptr, 0).as_string(), u"");
+}
+
+TEST(stored_value_test, a_refused_value_leaves_an_optional_empty)
+{
+    std::optional<bool> value;
+    EXPECT_THROW(read_value(girder::registry_ex::single_value_reader(text(u"1"), 0), value), load_exception);
+    EXPECT_EQ(value, std::nullopt);
 }
 
 TEST(stored_value_test, numbers_of_both_sizes)
