@@ -46,7 +46,6 @@ public:
 
     constexpr kind type() const noexcept { return kind_; }
     constexpr bool is_number() const noexcept { return kind_ == kind::signed_number || kind_ == kind::unsigned_number; }
-    constexpr bool is_text() const noexcept { return kind_ == kind::wide_text || kind_ == kind::narrow_text; }
     /// Of a condition its value; everything else counts as true.
     constexpr bool is_true() const noexcept { return kind_ != kind::condition || bits_ != 0; }
 

@@ -2,6 +2,8 @@
 
 #include "format/parser.h"
 
+#include <algorithm>
+
 namespace fmtkit {
 namespace {
 

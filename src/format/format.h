@@ -5,7 +5,6 @@
 #include "format/literal_text.h"
 #include "format/literals.h"
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <span>

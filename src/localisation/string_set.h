@@ -29,8 +29,6 @@ public:
     ///                 when there are no more of them than entries
     StringSet(const StringSet& other, std::size_t further);
 
-    std::size_t size() const noexcept { return size_; }
-
     /// \return null when the entry was inserted; else the one that has its id already and stays
     StringEntry* insert(StringEntry entry)
     {
