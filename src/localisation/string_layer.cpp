@@ -64,8 +64,7 @@ const std::byte* next_brace(const std::byte* begin, const std::byte* end) noexce
     return found != nullptr ? static_cast<const std::byte*>(found) : end;
 }
 
-/// Whether an entry may stand for the one beneath it. Takes a copy, so that the caller can keep its
-/// entry in registers.
+/// Whether an entry may stand for the one beneath it. Takes a copy, so that the caller can keep its entry in registers.
 bool may_replace(StringEntry entry, const StringEntry& replaced, pack_form form, bool has_brace)
 {
     if (form == pack_form::with_signature)

@@ -22,8 +22,8 @@ struct string_packs {
 };
 
 /// Builds the two tables of the process, in place of what they were. When one module of a language pack is malformed,
-/// none of that pack is used. The packs have to live until the process ends or
-/// the tables are built again. To be called before any text is fetched; from then on every thread may read.
+/// none of that pack is used. The packs have to live until the process ends or the tables are built again. To be called
+/// before any text is fetched; from then on every thread may read.
 void build_string_tables(const string_packs& packs);
 
 /// Looks for the language packs beside the program and builds the two tables of the process from the program's own
@@ -32,8 +32,7 @@ void build_string_tables(const string_packs& packs);
 ///
 /// \param executable_folder  without a separator at its end
 /// \param language           the locale of the pack to use, found by exactly this name; "en" uses none; empty chooses
-/// by
-///                           the user's locale
+///                           by the user's locale
 /// \return `language`, or when that is empty the choice, which may be empty too
 std::u16string initialise(std::u16string_view executable_folder, std::u16string language);
 

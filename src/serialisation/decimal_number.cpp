@@ -157,8 +157,7 @@ decimal_number shortest_decimal(double value, const real_format& format)
 
 std::optional<double> nearest_real(std::string_view digits, long long exponent, const real_format& format)
 {
-    // More digits than any number half-way between two neighbours has: from there on it only counts whether one is not
-    // 0.
+    // No number half-way between two neighbours has as many digits: from there on it only counts whether one is not 0.
     constexpr std::size_t most_digits = 800;
     constexpr long long far_beyond = 400;
     digits.remove_prefix(std::min(digits.find_first_not_of('0'), digits.size()));

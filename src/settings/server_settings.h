@@ -42,8 +42,7 @@ void WriteChanged(const ServerSettings& settings, const ServerSettings& defaults
 
 /// Reads the fields that `source` has into `settings`; the others keep their values, unknown names are ignored.
 /// \throws girder::nsm::details::load_exception: "Object expected", "String expected", "Boolean expected", ...; what
-/// was
-///         read before stays
+///         was read before stays
 void Read(const girder::nsm::value_reader& source, ServerSettings& settings);
 
 /// The same field by field: one that cannot be read keeps its value and is reported, and the others are read.

@@ -42,13 +42,12 @@ LoadedSettings LoadSettingsTolerantly()
         RegistryKeyStore store = store_for_loading();
         ReadTolerantly(store.open_for_reading(), loaded.settings,
                        [&loaded](std::string_view name, const girder::nsm::details::load_exception& error) {
-                           loaded.failures.push_back(
-                               {.name = girder::to_utf16(name), .text = girder::to_utf16(error.what())});
+                           loaded.failures.push_back({.name = girder::to_utf16(name), .text = error.message()});
                        });
     } catch (const girder::system_error& error) {
         loaded.failures.push_back({.name = {}, .text = girder::to_utf16(error.what()), .code = error.code()});
     } catch (const girder::nsm::details::load_exception& error) {
-        loaded.failures.push_back({.name = {}, .text = girder::to_utf16(error.what())});
+        loaded.failures.push_back({.name = {}, .text = error.message()});
     }
     return loaded;
 }
