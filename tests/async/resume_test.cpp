@@ -1,7 +1,7 @@
 #include "async/resume.h"
 #include "async/task.h"
 #include "base/handles.h"
-#include "support/detached.h"
+#include "observed.h"
 
 #include <gtest/gtest.h>
 
@@ -13,41 +13,9 @@ namespace {
 
 using namespace girder;
 using namespace std::chrono_literals;
+using support::observe;
+using support::outcome;
 using support::running;
-
-unique_kernel_handle make_event()
-{
-    return unique_kernel_handle{::CreateEventW(nullptr, TRUE, FALSE, nullptr)};
-}
-
-/// How an operation ended, for the thread that waits for it.
-struct outcome {
-    unique_kernel_handle done = make_event();
-    bool cancelled = false;
-
-    static constexpr DWORD patience_ms = 10'000;
-
-    bool wait() const { return ::WaitForSingleObject(done.get(), patience_ms) == WAIT_OBJECT_0; }
-};
-
-/// The last step of an operation on another thread: whoever sees the event may destroy the suspended coroutine.
-struct signal_and_stay {
-    HANDLE event;
-
-    bool await_ready() const noexcept { return false; }
-    void await_suspend(std::coroutine_handle<>) const noexcept { ::SetEvent(event); }
-    void await_resume() const noexcept {}
-};
-
-running observe(task<> operation, outcome& result)
-{
-    try {
-        co_await std::move(operation);
-    } catch (const operation_cancelled&) {
-        result.cancelled = true;
-    }
-    co_await signal_and_stay(result.done.get());
-}
 
 /// Lets go of its thread in that way.
 template <typename Way, typename... Arguments>
@@ -59,9 +27,9 @@ task<> suspended(Arguments... arguments)
 TEST(resume_test, cancelling_shows_at_once_before_and_while_an_operation_is_suspended)
 {
     ui_thread here(WM_APP + 8);
-    const unique_kernel_handle never = make_event();
+    const unique_kernel_handle never(::CreateEventW(nullptr, TRUE, FALSE, nullptr));
     for (const bool cancel_first : {true, false}) {
-        cancellation_source source;
+        const cancellation_source source;
         if (cancel_first)
             source.request();
         std::vector<task<>> operations;
@@ -78,7 +46,7 @@ TEST(resume_test, cancelling_shows_at_once_before_and_while_an_operation_is_susp
         source.request();
         for (const outcome& result : results) {
             ASSERT_TRUE(result.wait());
-            EXPECT_TRUE(result.cancelled) << cancel_first;
+            EXPECT_TRUE(result.was_cancelled) << cancel_first;
         }
     }
 }
@@ -86,13 +54,39 @@ TEST(resume_test, cancelling_shows_at_once_before_and_while_an_operation_is_susp
 TEST(resume_test, cancelling_races_with_the_end_of_the_wait_and_resumes_once)
 {
     for (int round = 0; round < 500; ++round) {
-        cancellation_source source;
+        const cancellation_source source;
         outcome result;
         const running started =
             observe(suspended<resume_after>(std::chrono::microseconds(round % 50), source.get()), result);
         source.request();
         ASSERT_TRUE(result.wait());
     }
+}
+
+TEST(ui_thread_test, a_made_up_pointer_or_a_second_delivery_runs_nothing)
+{
+    constexpr UINT message_number = WM_APP + 7;
+    girder::ui_thread target(message_number);
+    int runs = 0;
+    target.post([&runs] { ++runs; });
+    MSG message;
+    ASSERT_TRUE(::PeekMessageW(&message, nullptr, message_number, message_number, PM_REMOVE));
+    const MSG genuine = message;
+
+    std::function<void()> never_posted = [&runs] { runs += 100; };
+    MSG made_up = genuine;
+    made_up.wParam = reinterpret_cast<WPARAM>(&never_posted);
+    target.run(made_up);
+    MSG with_a_window = genuine;
+    with_a_window.hwnd = ::GetDesktopWindow();
+    target.run(with_a_window);
+    EXPECT_EQ(runs, 0);
+
+    target.run(message);
+    EXPECT_EQ(message.message, UINT{WM_NULL});
+    MSG repeated = genuine;
+    target.run(repeated);
+    EXPECT_EQ(runs, 1);
 }
 
 } // namespace
