@@ -45,13 +45,6 @@ TEST(server_settings_test, a_field_that_is_refused_leaves_the_others)
     }
 }
 
-TEST(server_settings_test, the_first_of_two_members_with_one_name_counts)
-{
-    ServerSettings settings = DefaultServerSettings();
-    Read(reader(R"({"language":"de","autoDiscovery":false,"language":"fr"})"), settings);
-    EXPECT_EQ(settings.language, u"de");
-}
-
 TEST(settings_key_test, minor_versions_have_two_digits)
 {
     EXPECT_EQ(SettingsKeyPath({.major = 12, .minor = 3}), u"Software\\Zelmark\\Tidelink Server 12.03");
