@@ -1,4 +1,5 @@
 #include "format/compile.h"
+#include "format/error.h"
 #include "format/format.h"
 #include "format/literals.h"
 
@@ -103,17 +104,22 @@ TEST(format_test, writes_the_same_in_both_character_types)
     }
 }
 
-TEST(format_test, cutting_with_a_mark)
+TEST(format_test, malformed_formats_are_refused)
+{
+    for (const std::u16string_view text : {u"{0q}", u"{-1}", u"abc{", u"{0", u"{0w", u"{0f", u"{0f}", u"{0a", u"{0?}",
+                                           u"{0?=}", u"{0t%x}", u"{0t(%x", u"{0t(%x})}"})
+        EXPECT_THROW(compile(text), fmtkit::bad_extended_format_string) << testing::PrintToString(text);
+    for (const std::string_view text : {"{0w5fä}", "{0w5f\xC3}"}) // a narrow fill of several bytes
+        EXPECT_THROW(compile(text), fmtkit::bad_extended_format_string) << text;
+}
+
+TEST(format_test, cutting_marks_and_leaves_characters_whole)
 {
     EXPECT_EQ(fmtkit::format(u"{0w,3e}"_fmt, u"abcdef"), u"ab…");
     EXPECT_EQ(fmtkit::format(u"{0w,3ear}"_fmt, u"abcdef"), u"…ef");
     EXPECT_EQ(fmtkit::format(u"{0w8,3ear}"_fmt, u"abcdefghij"), u"…ij");
     EXPECT_EQ(fmtkit::format(u"{0w,1e}"_fmt, u"abcdef"), u"…");
     EXPECT_EQ(fmtkit::format("{0w,3e}"_fmt, u"abcdef"), "ab…");
-}
-
-TEST(format_test, cutting_leaves_characters_whole)
-{
     EXPECT_EQ(fmtkit::format("{0w,1}|{0w,2}|{0w,3}|{0w,4e}"_fmt, "äöü"), "|ä|ä|ä…");
     EXPECT_EQ(fmtkit::format("{0w,1ar}|{0w,2ar}|{0w,3ar}|{0w,4ear}"_fmt, "äöü"), "|ü|ü|…ü");
     EXPECT_EQ(fmtkit::format(u"{0w,2}|{0w,2ar}|{0w,3e}"_fmt, u"a😀b"), u"a|b|a…");

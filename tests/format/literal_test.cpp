@@ -2,7 +2,7 @@
 #include "format/format.h"
 #include "format/literals.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <limits>
 
@@ -10,12 +10,13 @@ namespace {
 
 using namespace fmtkit;
 
-/// Formats known at build time are rendered by code of their own, which has to say what the other says.
+/// Formats known at build time have the same items, and are rendered by code of their own, which has to say the same.
 template <details::fixed_text Text, typename... Arguments>
 void expect_same_text(const Arguments&... arguments)
 {
     constexpr literal_format<Text> literal;
     const auto compiled = compile(literal.text());
+    EXPECT_THAT(compiled.items(), testing::ElementsAreArray(literal.items().begin(), literal.items().end()));
     const auto expected = fmtkit::format(compiled, arguments...);
     EXPECT_EQ(fmtkit::format(literal, arguments...), expected) << testing::PrintToString(literal.text());
     auto appended = expected;
@@ -65,6 +66,7 @@ TEST(literal_test, texts)
     expect_same_text<u"">();
     expect_same_text<u"{{a}}{0}{{{{">(u"text");
     expect_same_text<u"{0}{3}{1}">("pointer", std::u16string_view(u"view"));
+    expect_same_text<"{7+acb08cef*lnp3ssaw70000,9?|b16Xp}">();
 }
 
 TEST(literal_test, conditions_and_times)

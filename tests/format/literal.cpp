@@ -5,5 +5,5 @@ using namespace fmtkit::literals;
 
 std::u16string twin(int message)
 {
-    return fmtkit::format(u"Error {0q}"_fmt, message);
+    return fmtkit::format(u"Error {0" LETTER "}"_fmt, message);
 }
