@@ -7,6 +7,7 @@
 #include "app/message_texts.h"
 #include "app/messages.h"
 #include "base/debug_log.h"
+#include "base/path.h"
 #include "base/program.h"
 #include "base/utf.h"
 #include "base/win32_error.h"
@@ -108,7 +109,7 @@ ConfigDialog::ConfigDialog(girder::ui_thread& thread, restart_request& restart, 
     for (const LoadFailure& failure : failures_)
         girder::log_failure({.code = failure.code, .message = failure.text, .context = girder::to_utf8(failure.name)});
     set_command_message(messages().process_command);
-    model_.adopt_language(tidelink::initialise(folder_of(girder::program_path()), model_.settings().language));
+    model_.adopt_language(tidelink::initialise(girder::folder_of(girder::program_path()), model_.settings().language));
 }
 
 void ConfigDialog::look_for_updates(update_offer::settings settings)

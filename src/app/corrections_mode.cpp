@@ -2,6 +2,7 @@
 
 #include "app/correction_box.h"
 #include "app/error_log.h"
+#include "base/path.h"
 #include "base/program.h"
 #include "base/system_library.h"
 #include "base/wide.h"
@@ -125,7 +126,7 @@ corrections_mode::~corrections_mode()
     try {
         const std::u16string folder = documents_folder();
         export_corrections(common_strings(), u"common", folder);
-        export_corrections(program_strings(), file_name_of(girder::program_path()), folder);
+        export_corrections(program_strings(), girder::file_name_of(girder::program_path()), folder);
     } catch (...) {
         log_error(std::current_exception());
     }

@@ -1,8 +1,8 @@
 #include "base/debug_log.h"
 #include "base/handles.h"
+#include "base/path.h"
 #include "base/wide.h"
 #include "localisation/corrections.h"
-#include "localisation/language_packs.h"
 
 namespace tidelink {
 
@@ -21,7 +21,7 @@ try {
     if (!table.corrections_mode() || table.corrections().empty())
         return;
     const std::string modules = corrections_module(module, table.corrections());
-    const std::u16string path = joined_path(folder, corrections_file_name(module, girder::system_now()));
+    const std::u16string path = girder::joined_path(folder, corrections_file_name(module, girder::system_now()));
     const girder::unique_file file(
         ::CreateFileW(girder::as_wide(path), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
     if (!file)

@@ -6,19 +6,12 @@ namespace tidelink {
 
 namespace {
 
-constexpr std::u16string_view separators = u"\\/";
-
 /// Takes the part before the next dot off the front, and the dot.
 std::u16string_view take_part(std::u16string_view& rest) noexcept
 {
     const std::u16string_view part = rest.substr(0, rest.find(u'.'));
     rest.remove_prefix(std::min(part.size() + 1, rest.size()));
     return part;
-}
-
-constexpr bool is_letter(char16_t unit) noexcept
-{
-    return (unit >= u'A' && unit <= u'Z') || (unit >= u'a' && unit <= u'z');
 }
 
 std::u16string lowered(std::u16string_view text)
@@ -69,28 +62,6 @@ std::u16string choose_automatically(std::u16string_view locale, std::span<const 
         return {};
     name.resize(dash);
     return find_pack(packs, name) != nullptr ? name : std::u16string();
-}
-
-std::u16string_view folder_of(std::u16string_view path) noexcept
-{
-    path.remove_suffix(file_name_of(path).size());
-    const std::size_t last = path.find_last_not_of(separators);
-    return path.substr(0, last + 1);
-}
-
-std::u16string_view file_name_of(std::u16string_view path) noexcept
-{
-    return path.substr(path.find_last_of(separators) + 1);
-}
-
-std::u16string joined_path(std::u16string_view folder, std::u16string_view name)
-{
-    std::u16string path(folder);
-    const bool ends_in_separator = !folder.empty() && separators.find(folder.back()) != std::u16string_view::npos;
-    const bool is_drive = folder.size() == 2 && is_letter(folder[0]) && folder[1] == u':';
-    if (!folder.empty() && !ends_in_separator && !is_drive)
-        path += u'\\';
-    return path.append(name);
 }
 
 } // namespace tidelink

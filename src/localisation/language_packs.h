@@ -47,16 +47,6 @@ const LanguagePackInfo* find_pack(std::span<const LanguagePackInfo> packs, std::
 ///         the English texts are shown
 std::u16string choose_automatically(std::u16string_view locale, std::span<const LanguagePackInfo> packs);
 
-/// A path without its last component and the separators before that.
-std::u16string_view folder_of(std::u16string_view path) noexcept;
-
-/// The last component of a path: everything behind its last `\` or `/`.
-std::u16string_view file_name_of(std::u16string_view path) noexcept;
-
-/// A name in a folder. No separator is put between them when the folder is empty, ends with one, or is a bare drive
-/// such as "C:".
-std::u16string joined_path(std::u16string_view folder, std::u16string_view name);
-
 /// The folder of the pack files, which lies in that of the program.
 inline constexpr std::u16string_view pack_folder_name = u"languages";
 

@@ -1,4 +1,5 @@
 #include "base/handles.h"
+#include "base/path.h"
 #include "base/wide.h"
 #include "localisation/language_packs.h"
 
@@ -6,6 +7,7 @@ namespace tidelink {
 
 using girder::as_utf16;
 using girder::as_wide;
+using girder::joined_path;
 
 std::vector<LanguagePackInfo> discoverPacks(std::u16string_view executable_folder)
 {

@@ -1,4 +1,5 @@
 #include "base/handles.h"
+#include "base/path.h"
 #include "base/program.h"
 #include "base/wide.h"
 #include "localisation/language_pack.h"
@@ -56,7 +57,7 @@ std::span<const std::byte> map_pack(const std::u16string& path) noexcept
 
 bool is_in_pack_folder(std::u16string_view executable_folder, std::u16string_view file)
 {
-    const std::u16string path = joined_path(joined_path(executable_folder, pack_folder_name), file);
+    const std::u16string path = girder::joined_path(girder::joined_path(executable_folder, pack_folder_name), file);
     return ::GetFileAttributesW(girder::as_wide(path)) != INVALID_FILE_ATTRIBUTES;
 }
 
@@ -75,7 +76,7 @@ std::u16string initialise(std::u16string_view executable_folder, std::u16string 
     build_string_tables({.common = built_in_pack(common_strings_resource),
                          .program = built_in_pack(program_strings_resource),
                          .common_translation = findModule(pack, u"common"),
-                         .program_translation = findModule(pack, file_name_of(girder::program_path()))});
+                         .program_translation = findModule(pack, girder::file_name_of(girder::program_path()))});
     set_corrections_mode(is_in_pack_folder(executable_folder, u"corrections.on"));
     return language;
 }

@@ -3,6 +3,7 @@
 #include "app/correction_box.h"
 #include "app/messages.h"
 #include "app/wait_dialog.h"
+#include "base/path.h"
 #include "base/program.h"
 #include "base/unique_com.h"
 #include "base/utf.h"
@@ -256,7 +257,7 @@ class every_language_test : public testing::Test, support::dialog_environment {}
 
 TEST_F(every_language_test, fits_every_dialog)
 {
-    const std::u16string folder(folder_of(girder::program_path()));
+    const std::u16string folder(girder::folder_of(girder::program_path()));
     std::vector<std::u16string> languages = {std::u16string(built_in_language)};
     for (const LanguagePackInfo& pack : discoverPacks(folder))
         languages.push_back(pack.locale);
