@@ -9,6 +9,9 @@ constexpr std::size_t min_item_size = 8;
 // What programs keep by index would grow beyond all proportion to the pack with indices near 2^32.
 constexpr std::uint32_t index_limit = 65'536;
 
+// Items are looked for one after the other, and for each item of a translation.
+constexpr std::uint32_t most_items = 1'024;
+
 } // namespace
 
 std::u16string_view StringEntry::item(std::uint32_t index) const noexcept
@@ -24,7 +27,10 @@ std::u16string_view StringEntry::item(std::uint32_t index) const noexcept
 std::size_t StringEntry::list_size(const std::byte* stored, std::size_t available) noexcept
 {
     std::size_t size = items_at;
-    for (auto left = load_number<std::uint32_t>(stored + item_count_at); left > 0; --left) {
+    auto left = load_number<std::uint32_t>(stored + item_count_at);
+    if (left > most_items)
+        return 0;
+    for (; left > 0; --left) {
         if (available - size < min_item_size || load_number<std::uint32_t>(stored + size) >= index_limit)
             return 0;
         const std::size_t item = size_with_text(stored + size, available - size, item_text_at);

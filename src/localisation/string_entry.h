@@ -69,8 +69,8 @@ public:
     }
 
     /// Bytes that the stored entry takes which begins at `stored`, of which `available` bytes may be read. 0 when it is
-    /// malformed: a length or count leads further, a text is not followed by its null, or an item's index is 65,536 or
-    /// more.
+    /// malformed: a length or count leads further, a text is not followed by its null, a list has more than 1,024
+    /// items, or an item's index is 65,536 or more.
     static std::size_t stored_size(const std::byte* stored, std::size_t available) noexcept
     {
         if (available < min_stored_size)

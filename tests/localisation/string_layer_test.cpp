@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 namespace tidelink {
 namespace {
 
@@ -126,6 +128,24 @@ TEST(string_layer_test, refuses_a_damaged_pack)
         pack_bytes pack = sample();
         pack.at(at) = static_cast<std::byte>(value);
         EXPECT_FALSE(StringLayer::read(pack, pack_form::with_signature, nullptr)) << at;
+    }
+}
+
+TEST(string_layer_test, refuses_a_pack_that_would_take_long_to_read)
+{
+    for (const std::uint32_t items : {1'024U, 1'025U}) {
+        pack_bytes pack = pack_builder().list(1, 0, {}).bare();
+        std::memcpy(&pack[pack.size() - sizeof items], &items, sizeof items);
+        pack.resize(pack.size() + items * std::size_t{8}); // empty items with the index 0
+        EXPECT_EQ(read(pack).has_value(), items == 1'024) << items;
+    }
+    const pack_bytes lower = pack_builder().text(1, 0, u"{0}").bare();
+    const auto beneath = read(lower);
+    for (const int dropped : {1'000, 1'001}) {
+        pack_builder upper;
+        for (int i = 0; i < dropped; ++i)
+            upper.text(1, 0, u"{1}");
+        EXPECT_EQ(read(upper.bare(), &*beneath).has_value(), dropped == 1'000) << dropped;
     }
 }
 
