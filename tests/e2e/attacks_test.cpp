@@ -4,9 +4,12 @@
 #include "base/program.h"
 #include "program_folder.h"
 #include "ui_driver/remote_memory.h"
+#include "ui_driver/round_trips.h"
 #include "utility_driver/demo_service.h"
 
 #include <windows.h>
+
+#include <set>
 
 namespace {
 
@@ -93,9 +96,10 @@ constexpr const wchar_t* planted_names[] = {
     L"secur32.dll", L"userenv.dll", L"wininet.dll", L"windowscodecs.dll", L"wintrust.dll",
 };
 
-using planted_library_test = program_folder_test;
+using whole_program_test = program_folder_test;
 
-TEST_F(planted_library_test, is_not_loaded_from_beside_the_program_its_current_folder_or_the_path)
+// It needs no right to write in its folder, either.
+TEST_F(whole_program_test, loads_nothing_from_beside_itself_its_current_folder_or_the_path_and_writes_nothing_there)
 {
     for (const wchar_t* const name : planted_names)
         std::filesystem::copy_file(std::filesystem::path(girder::program_folder()) / "libplanted_library.dll",
@@ -109,10 +113,23 @@ TEST_F(planted_library_test, is_not_loaded_from_beside_the_program_its_current_f
     const std::filesystem::path planted = modules_of(::GetCurrentProcessId()).at(L"aclui.dll");
     EXPECT_TRUE(std::filesystem::equivalent(planted.parent_path(), folder_));
     ::FreeLibrary(found);
+    const auto files = [this] {
+        std::set<std::pair<std::filesystem::path, std::filesystem::file_time_type>> found;
+        for (const auto& each : std::filesystem::recursive_directory_iterator(folder_))
+            found.emplace(each.path(), each.last_write_time());
+        return found;
+    };
+    const auto before = files();
     const utility program;
     ::SetEnvironmentVariableW(L"PATH", L"C:\\windows\\system32;C:\\windows");
     std::filesystem::current_path(folder_.parent_path());
 
+    const ui_driver::round_trips trips(program.window().handle());
+    program.control(id::share_selected).click();
+    program.check_ports({3});
+    program.control(id::apply).click();
+    program.choose_language(0);
+    utility::answer(program.message(question_title), id::no);
     program.control(id::about).post_click();
     utility::answer(program.message(about_title), id::cancel);
     program.control(id::security).post_click();
@@ -124,7 +141,9 @@ TEST_F(planted_library_test, is_not_loaded_from_beside_the_program_its_current_f
         if (name != L"tl_server_config.exe")
             EXPECT_FALSE(std::filesystem::equivalent(path.parent_path(), folder_)) << path;
     utility::answer(editor, id::cancel);
+    EXPECT_LT(trips.longest(), hang);
     EXPECT_EQ(program.close(), 0U);
+    EXPECT_EQ(files(), before);
 }
 
 using planted_server_test = machine_test;

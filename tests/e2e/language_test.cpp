@@ -57,60 +57,33 @@ protected:
     {
         return girder::to_utf8(window.item(id::apply).text());
     }
-
-    static std::string apply_text(const utility& program) { return apply_text(program.window()); }
 };
 
-TEST_F(language_test, the_stored_language_is_shown_and_selected_among_all_in_their_own_scripts)
+TEST_F(language_test, the_stored_language_is_shown_or_english_where_its_pack_is_malformed_empty_or_gone)
 {
-    for (const char16_t* const locale : {u"de", u"ja", u"zh-cn"})
-        add_pack(locale);
-    settings_key::write(u"language", text(u"ja"));
-    const utility program;
-    EXPECT_EQ(apply_text(program), "適用");
-    EXPECT_EQ(girder::to_utf8(program.control(id::share_all).text()), "すべてのポートを共有する");
-    EXPECT_THAT(languages_in(program), testing::UnorderedElementsAre("English", "Deutsch", "日本語", "简体中文"));
-    EXPECT_EQ(selected_in(program), "日本語");
-    EXPECT_FALSE(program.apply_enabled());
-    EXPECT_EQ(program.close(), 0U);
-}
-
-TEST_F(language_test, english_is_shown_when_it_is_stored_and_where_a_pack_is_malformed_empty_or_gone)
-{
+    add_pack(u"ja");
+    add_pack(u"zh-cn");
     add_pack(u"de", u"en.Other English.1.lpack");
     const std::filesystem::path cut = add_pack(u"de");
     std::filesystem::resize_file(cut, std::filesystem::file_size(cut) - 1);
     std::ofstream(packs() / "pl.Polski.1.lpack").close(); // it cannot even be mapped
-    for (const auto& [stored, selected] :
-         {std::pair(u"en", "Other English"), {u"de", "Deutsch"}, {u"pl", "Polski"}, {u"fr", "English"}}) {
+    for (const auto& [stored, shown, selected] : {std::tuple(u"ja", "すべてのポートを共有する", "日本語"),
+                                                  {u"en", "Share all ports", "Other English"},
+                                                  {u"de", "Share all ports", "Deutsch"},
+                                                  {u"pl", "Share all ports", "Polski"},
+                                                  {u"fr", "Share all ports", "English"}}) {
         settings_key::write(u"language", text(stored));
         const utility program;
-        EXPECT_EQ(apply_text(program), "Apply");
+        EXPECT_EQ(girder::to_utf8(program.control(id::share_all).text()), shown);
+        EXPECT_THAT(languages_in(program), testing::UnorderedElementsAre("English", "Other English", "Deutsch",
+                                                                         "Polski", "日本語", "简体中文"));
         EXPECT_EQ(selected_in(program), selected);
+        EXPECT_FALSE(program.apply_enabled());
         program.control(id::auto_discovery).click();
         program.control(id::apply).click();
         EXPECT_THAT(settings_key::read(), Contains(Pair(u"language", text(stored))));
         EXPECT_EQ(program.close(), 0U);
     }
-}
-
-TEST_F(language_test, a_pack_that_is_replaced_serves_until_the_end)
-{
-    const std::filesystem::path pack = add_pack(u"de");
-    settings_key::write(u"language", text(u"de"));
-    {
-        const utility german;
-        EXPECT_EQ(apply_text(german), "Übernehmen");
-        EXPECT_FALSE(std::ofstream(pack, std::ios::trunc).is_open()) << "it is mapped";
-        std::filesystem::rename(pack, pack.wstring() + L".away");
-        add_pack(u"ja", pack.filename().u16string());
-        german.choose_language(0);
-        const ui_driver::dialog question = german.message(question_title);
-        EXPECT_EQ(girder::to_utf8(question.item(id::yes).text()), "Ja");
-        utility::answer(question, id::no);
-        EXPECT_EQ(german.close(), 0U);
-    }
-    EXPECT_EQ(apply_text(utility()), "適用");
 }
 
 /// Reads the command line where the system keeps it in that process.
@@ -133,7 +106,7 @@ TEST_F(language_test, a_change_with_yes_applies_what_is_pending_and_starts_one_c
 {
     add_pack(u"de");
     const utility english;
-    ASSERT_EQ(apply_text(english), "Apply");
+    ASSERT_EQ(apply_text(english.window()), "Apply");
     const std::wstring command_line = command_line_of(english.process());
     ASSERT_THAT(command_line, testing::EndsWith(L"--handed to a restart"));
     english.control(id::auto_discovery).click();
@@ -158,16 +131,16 @@ TEST_F(language_test, a_change_with_yes_applies_what_is_pending_and_starts_one_c
     EXPECT_EQ(::WaitForSingleObject(copy.get(), static_cast<DWORD>(ui_driver::patience.count())), WAIT_OBJECT_0);
 }
 
-TEST_F(language_test, a_change_with_no_is_applied_later_and_the_same_language_again_asks_nothing)
+TEST_F(language_test, a_change_with_no_is_applied_later_and_a_pack_that_is_replaced_serves_until_the_end)
 {
-    add_pack(u"de");
+    const std::filesystem::path pack = add_pack(u"de");
     {
         const utility program;
         program.choose_language(1);
         utility::answer(program.message(question_title), id::no);
         EXPECT_TRUE(program.apply_enabled());
-        EXPECT_EQ(apply_text(program), "Apply") << "texts never change while the program runs";
-        // Unanswered, a question would hold this up.
+        EXPECT_EQ(apply_text(program.window()), "Apply") << "texts never change while the program runs";
+        // Of the same language again. Unanswered, a question would hold this up.
         ui_driver::send(program.window().handle(), WM_COMMAND, MAKEWPARAM(id::language, CBN_SELCHANGE),
                         reinterpret_cast<LPARAM>(program.control(id::language).handle()));
         EXPECT_THAT(settings_key::read(), IsEmpty());
@@ -175,12 +148,22 @@ TEST_F(language_test, a_change_with_no_is_applied_later_and_the_same_language_ag
         EXPECT_THAT(settings_key::read(), Contains(Pair(u"language", text(u"de"))));
         EXPECT_EQ(program.close(), 0U);
     }
-    const utility german;
-    EXPECT_EQ(apply_text(german), "Übernehmen");
-    german.choose_language(0);
-    utility::answer(german.message(question_title), id::no);
-    german.control(id::apply).click();
-    EXPECT_THAT(settings_key::read(), Contains(Pair(u"language", text(u"en"))));
+    {
+        const utility german;
+        EXPECT_EQ(apply_text(german.window()), "Übernehmen");
+        EXPECT_FALSE(std::ofstream(pack, std::ios::trunc).is_open()) << "it is mapped";
+        std::filesystem::rename(pack, pack.wstring() + L".away");
+        add_pack(u"ja", pack.filename().u16string());
+        german.choose_language(0);
+        const ui_driver::dialog question = german.message(question_title);
+        EXPECT_EQ(girder::to_utf8(question.item(id::yes).text()), "Ja");
+        utility::answer(question, id::no);
+        german.control(id::apply).click();
+        EXPECT_THAT(settings_key::read(), Contains(Pair(u"language", text(u"en"))));
+        EXPECT_EQ(german.close(), 0U);
+    }
+    settings_key::write(u"language", text(u"de"));
+    EXPECT_EQ(apply_text(utility().window()), "適用");
 }
 
 /// To be run for a user whose locale is de-DE.
@@ -191,7 +174,7 @@ TEST_F(german_user_test, starts_in_german_with_nothing_stored)
     add_pack(u"de");
     add_pack(u"fr", u"de-DE.in capitals.1.lpack");
     const utility program;
-    EXPECT_EQ(apply_text(program), "Übernehmen");
+    EXPECT_EQ(apply_text(program.window()), "Übernehmen");
     EXPECT_EQ(selected_in(program), "Deutsch");
     EXPECT_FALSE(program.apply_enabled());
     EXPECT_THAT(settings_key::read(), IsEmpty());
@@ -201,7 +184,7 @@ TEST_F(german_user_test, starts_in_german_with_nothing_stored)
     EXPECT_EQ(program.close(), 0U);
 
     settings_key::write(u"language", text(u"en"));
-    EXPECT_EQ(apply_text(utility()), "Apply") << "a choice is not overruled";
+    EXPECT_EQ(apply_text(utility().window()), "Apply") << "a choice is not overruled";
 }
 
 } // namespace

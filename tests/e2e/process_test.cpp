@@ -1,7 +1,4 @@
-#include "program_folder.h"
-#include "ui_driver/round_trips.h"
-
-#include <set>
+#include "fixture.h"
 
 namespace {
 
@@ -43,34 +40,6 @@ TEST_F(process_test, handles_do_not_grow_over_200_saves)
         EXPECT_TRUE(heard(server, ++saves));
     });
     EXPECT_EQ(program.close(), 0U);
-}
-
-using whole_program_test = program_folder_test;
-
-// It needs no right to write in its folder.
-TEST_F(whole_program_test, answers_and_writes_nothing_beside_itself_whatever_is_done)
-{
-    const auto entries = [this] {
-        std::set<std::pair<std::filesystem::path, std::filesystem::file_time_type>> found;
-        for (const auto& each : std::filesystem::recursive_directory_iterator(folder_))
-            found.emplace(each.path(), each.last_write_time());
-        return found;
-    };
-    const auto before = entries();
-    const utility program;
-    const ui_driver::round_trips trips(program.window().handle());
-    program.control(id::share_selected).click();
-    program.check_ports({3});
-    program.control(id::apply).click();
-    program.control(id::about).post_click();
-    utility::answer(program.message(about_title), id::cancel);
-    program.control(id::security).post_click();
-    utility::answer(program.access_editor(), id::cancel);
-    program.choose_language(0);
-    utility::answer(program.message(question_title), id::no);
-    EXPECT_LT(trips.longest(), hang);
-    EXPECT_EQ(program.close(), 0U);
-    EXPECT_EQ(entries(), before);
 }
 
 } // namespace
