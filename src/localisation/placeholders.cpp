@@ -10,6 +10,8 @@ namespace tidelink {
 
 namespace {
 
+constexpr std::size_t longest_format = 4'096;
+
 /// Looks at bytes, because a text may stand at an odd address.
 bool has_brace(std::u16string_view text) noexcept
 {
@@ -53,6 +55,8 @@ bool fits(std::u16string_view translation, std::u16string_view replaced)
 try {
     if (!has_brace(translation))
         return true;
+    if (std::max(translation.size(), replaced.size()) > longest_format)
+        return false;
     const compiled_text allowed(replaced);
     return std::ranges::all_of(compiled_text(translation).format.items(), [&](const fmtkit::FormatItem& item) {
         return (item.flags & fmtkit::flag_literal) != 0 || allowed.has_argument(item.argIndex);

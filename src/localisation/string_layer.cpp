@@ -13,9 +13,6 @@ namespace {
 constexpr std::array<std::uint8_t, 16> signature = {0x79, 0x2B, 0x13, 0xEF, 0xBB, 0x4F, 0xF7, 0x43,
                                                     0x84, 0x1A, 0x26, 0x0C, 0x00, 0xFF, 0x99, 0x29};
 
-// The text that an entry is compared with may be much longer than the entry. No pack of ours has as many texts.
-constexpr int most_refused_formats = 1'000;
-
 /// Takes a number off the front; false when it is not all there.
 template <typename Number>
 bool take(std::span<const std::byte>& rest, Number& number) noexcept
@@ -97,7 +94,6 @@ std::optional<StringLayer> StringLayer::read(std::span<const std::byte> pack, pa
     const std::byte* const end = stored + rest.size();
     // Most texts have no placeholders: looking for braces in all of the pack at once is faster than in each text.
     const std::byte* brace = form == pack_form::bare ? next_brace(stored, end) : end;
-    int refused_formats = 0;
     for (; count > 0; --count) {
         const std::size_t size = StringEntry::stored_size(stored, static_cast<std::size_t>(end - stored));
         if (size == 0)
@@ -110,12 +106,8 @@ std::optional<StringLayer> StringLayer::read(std::span<const std::byte> pack, pa
             brace = next_brace(stored, end);
         // The packs beneath may lie behind this one in the same file.
         const bool is_from_beneath = present != nullptr && !is_stored_between(rest.data(), stored, *present);
-        if (!is_from_beneath)
-            continue;
-        if (may_replace(entry, *present, form, has_brace))
+        if (is_from_beneath && may_replace(entry, *present, form, has_brace))
             *present = entry;
-        else if (has_brace && ++refused_formats > most_refused_formats)
-            return std::nullopt;
     }
     return layer;
 }

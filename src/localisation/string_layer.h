@@ -28,9 +28,9 @@ public:
     /// \param pack     begins with the pack; what follows the pack is ignored
     /// \param beneath  may be null
     /// \return nothing when the signature is not the right one or the pack is malformed: a length or count leads out of
-    ///         `pack`, a text is not followed by its null, a list has more than 1,024 items, an item has an index of
-    ///         65,536 or more, or more than 1,000 entries with braces are dropped. Nothing outside `pack` is read, and
-    ///         the memory and the time taken are in proportion to its size.
+    ///         `pack`, a text is not followed by its null, a list has more than 1,024 items, or an item has an index
+    ///         of 65,536 or more. Nothing outside `pack` is read, and the memory and the time taken are in proportion
+    ///         to its size.
     static std::optional<StringLayer> read(std::span<const std::byte> pack, pack_form form, const StringLayer* beneath);
 
     /// The C runtime's name of the pack's locale, such as "ENU"; in the pack's memory, followed by a null.

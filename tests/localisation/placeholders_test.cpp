@@ -23,6 +23,8 @@ bool replaces(const pack_bytes& english, const pack_bytes& translation)
 
 TEST(placeholders_test, decide_whether_a_translation_is_shown)
 {
+    const std::u16string longest = std::u16string(4'093, u'x') + u"{0}";
+    const std::u16string too_long = u"x" + longest;
     const struct {
         const char* name;
         std::u16string_view english;
@@ -40,6 +42,9 @@ TEST(placeholders_test, decide_whether_a_translation_is_shown)
         {"doubled_brace", u"{0}", u"{{ {0}", true},
         // U+7B00 and U+007B share a byte, and so do U+7BXX over two units.
         {"low_byte_zero", u"OK", u"\u7B00\u4E7B\u007D", true},
+        {"longest", longest, longest, true},
+        {"too_long", u"{0}", too_long, false},
+        {"too_long_beneath", too_long, u"{0}", false},
     };
     const auto text = [](const char* locale_name, std::u16string_view single) {
         return pack_builder(locale_name).text(1, 0, single).bare();
