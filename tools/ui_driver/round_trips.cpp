@@ -13,6 +13,12 @@ void round_trips::begin(clock::duration aside)
     longest_ = {};
 }
 
+void round_trips::pause(clock::duration aside)
+{
+    const std::lock_guard guard(lock_);
+    counted_from_ = clock::now() + aside;
+}
+
 round_trips::clock::duration round_trips::longest() const
 {
     const auto asked = clock::now();

@@ -19,6 +19,8 @@ public:
     /// Forgets what was. A trip that is under way counts from here.
     /// \param aside  how long nothing counts yet
     void begin(clock::duration aside = {});
+    /// Counts nothing for so long from now on. What was counted stays.
+    void pause(clock::duration aside);
 
     /// The longest trip since begin(), that under way included: waits for its end, at most `patience`.
     clock::duration longest() const;
