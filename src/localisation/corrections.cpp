@@ -3,17 +3,13 @@
 #include "base/utf.h"
 #include "format/format.h"
 #include "format/literals.h"
+#include "localisation/pack_name_hash.h"
 
 namespace tidelink {
 
 namespace {
 
 using namespace fmtkit::literals;
-
-std::u16string_view without_folder(std::u16string_view module) noexcept
-{
-    return module.substr(module.find(u'\\') + 1);
-}
 
 /// What one character becomes after all the replacements, in their order.
 std::u16string_view escape_of(char16_t unit) noexcept
@@ -50,7 +46,7 @@ void append_escaped(std::u16string& out, std::u16string_view text)
 std::string corrections_module(std::u16string_view module, const Corrections& corrections)
 {
     std::u16string lines = u"  <Module name=\"";
-    lines.append(without_folder(module)).append(u"\">\r\n");
+    lines.append(module_without_folder(module)).append(u"\">\r\n");
     for (const auto& [key, text] : corrections) {
         lines += u"    <String id=\"";
         append_escaped(lines, key);
@@ -64,7 +60,7 @@ std::string corrections_module(std::u16string_view module, const Corrections& co
 
 std::u16string corrections_file_name(std::u16string_view module, girder::file_time now)
 {
-    return fmtkit::format(u"{0}.{1t(%Y%m%d-%H%M%S)}.xml"_fmt, without_folder(module), now);
+    return fmtkit::format(u"{0}.{1t(%Y%m%d-%H%M%S)}.xml"_fmt, module_without_folder(module), now);
 }
 
 } // namespace tidelink

@@ -18,10 +18,16 @@ constexpr std::uint32_t PackNameHash(std::u16string_view key) noexcept
     return hash;
 }
 
-/// What the file format hashes for a module: its name, without what stands before and at its first backslash.
-constexpr std::uint32_t module_name_hash(std::u16string_view name) noexcept
+/// A module's name without what stands before and at its first backslash.
+constexpr std::u16string_view module_without_folder(std::u16string_view module) noexcept
 {
-    return PackNameHash(name.substr(name.find(u'\\') + 1));
+    return module.substr(module.find(u'\\') + 1);
+}
+
+/// What the file format hashes for a module.
+constexpr std::uint32_t module_name_hash(std::u16string_view module) noexcept
+{
+    return PackNameHash(module_without_folder(module));
 }
 
 } // namespace tidelink
