@@ -205,51 +205,6 @@ RegistryValueReader::RegistryValueReader(unique_registry_key key, std::uint32_t 
     : key_(std::move(key)), capabilities_(capabilities)
 {}
 
-file_time RegistryValueReader::as_date() const
-{
-    refuse(nsm::details::date_expected);
-}
-
-std::u16string RegistryValueReader::as_string() const
-{
-    refuse(nsm::details::string_expected);
-}
-
-nsm::guid RegistryValueReader::as_guid() const
-{
-    refuse(nsm::details::string_expected);
-}
-
-std::uint64_t RegistryValueReader::as_unsigned() const
-{
-    refuse(nsm::details::number_expected);
-}
-
-std::int64_t RegistryValueReader::as_signed() const
-{
-    refuse(nsm::details::number_expected);
-}
-
-double RegistryValueReader::as_double() const
-{
-    refuse(nsm::details::number_expected);
-}
-
-float RegistryValueReader::as_float() const
-{
-    refuse(nsm::details::number_expected);
-}
-
-bool RegistryValueReader::as_boolean() const
-{
-    refuse(nsm::details::boolean_expected);
-}
-
-std::vector<std::byte> RegistryValueReader::as_binary() const
-{
-    refuse(nsm::details::array_expected);
-}
-
 void RegistryValueReader::visit_members(const member_visitor& visit) const
 {
     const auto as_member = [&visit](const std::u16string& stored) {

@@ -1,27 +1,15 @@
 #pragma once
 
-#include "serialisation/visitor.h"
+#include "serialisation/kindless_reader.h"
 
 namespace girder::nsm {
 
 /// Stands for a member that an object lacks: a null, which is no value of any kind.
-class absent_value final : public value_reader {
+class absent_value final : public kindless_reader {
 public:
     std::uint32_t capabilities() const noexcept override { return 0; }
     bool is_null() const override { return true; }
-    bool is_binary() const override { return false; }
-    file_time as_date() const override;
-    std::u16string as_string() const override;
-    guid as_guid() const override;
-    std::uint64_t as_unsigned() const override;
-    std::int64_t as_signed() const override;
-    double as_double() const override;
-    float as_float() const override;
-    bool as_boolean() const override;
-    std::vector<std::byte> as_binary() const override;
-    void visit_members(const member_visitor& visit) const override;
     std::uint32_t structure_version() const override { return 0; }
-    void visit_elements(const element_visitor& visit) const override;
 };
 
 } // namespace girder::nsm

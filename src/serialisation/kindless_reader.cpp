@@ -1,4 +1,4 @@
-#include "serialisation/absent_value.h"
+#include "serialisation/kindless_reader.h"
 
 #include "serialisation/load_exception.h"
 
@@ -6,57 +6,57 @@ namespace girder::nsm {
 
 using details::load_exception;
 
-file_time absent_value::as_date() const
+file_time kindless_reader::as_date() const
 {
     throw load_exception(details::date_expected);
 }
 
-std::u16string absent_value::as_string() const
+std::u16string kindless_reader::as_string() const
 {
     throw load_exception(details::string_expected);
 }
 
-guid absent_value::as_guid() const
+guid kindless_reader::as_guid() const
 {
     throw load_exception(details::string_expected);
 }
 
-std::uint64_t absent_value::as_unsigned() const
+std::uint64_t kindless_reader::as_unsigned() const
 {
     throw load_exception(details::number_expected);
 }
 
-std::int64_t absent_value::as_signed() const
+std::int64_t kindless_reader::as_signed() const
 {
     throw load_exception(details::number_expected);
 }
 
-double absent_value::as_double() const
+double kindless_reader::as_double() const
 {
     throw load_exception(details::number_expected);
 }
 
-float absent_value::as_float() const
+float kindless_reader::as_float() const
 {
     throw load_exception(details::number_expected);
 }
 
-bool absent_value::as_boolean() const
+bool kindless_reader::as_boolean() const
 {
     throw load_exception(details::boolean_expected);
 }
 
-std::vector<std::byte> absent_value::as_binary() const
+std::vector<std::byte> kindless_reader::as_binary() const
 {
-    throw load_exception(details::string_expected);
+    throw load_exception(details::array_expected);
 }
 
-void absent_value::visit_members(const member_visitor& /*visit*/) const
+void kindless_reader::visit_members(const member_visitor& /*visit*/) const
 {
     throw load_exception(details::object_expected);
 }
 
-void absent_value::visit_elements(const element_visitor& /*visit*/) const
+void kindless_reader::visit_elements(const element_visitor& /*visit*/) const
 {
     throw load_exception(details::array_expected);
 }
