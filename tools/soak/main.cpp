@@ -208,8 +208,11 @@ bool stays_steady(std::chrono::minutes duration, std::string_view only)
     };
     const figures first = use_until(begin + 1min);
     figures last = first;
-    for (auto next = begin + 2min; next <= begin + duration; next += std::max(1min, duration / 12))
+    const auto end = begin + duration;
+    for (auto next = begin + 1min; next < end;) {
+        next = std::min(next + std::max<clock::duration>(1min, duration / 12), end);
         last = use_until(next);
+    }
     bool steady = true;
     for (std::size_t i = 0; i < first.size(); ++i)
         if (first.at(i).judged && !within_two_percent(last.at(i), first.at(i))) {
