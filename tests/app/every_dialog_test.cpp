@@ -20,10 +20,12 @@
 #include "ui/message_box.h"
 #include "ui/modal_loop.h"
 #include "ui/rich_view.h"
+#include "ui_driver/polling.h"
 
 #include <gtest/gtest.h>
 #include <oleacc.h>
 
+#include <algorithm>
 #include <chrono>
 #include <functional>
 #include <set>
@@ -53,19 +55,17 @@ void show_main(const look& look)
 }
 
 /// Looks at a modal dialog and then ends it with a button.
-class looking : support::in_modal_loop {
-public:
-    looking(const look& look, int button)
-        : in_modal_loop([&look, button](HWND dialog) {
-              look(dialog);
-              ::PostMessageW(dialog, WM_COMMAND, static_cast<WPARAM>(button), 0);
-          })
-    {}
-};
+support::in_modal_loop looking(const look& look, int button)
+{
+    return support::in_modal_loop([&look, button](HWND dialog) {
+        look(dialog);
+        ::PostMessageW(dialog, WM_COMMAND, static_cast<WPARAM>(button), 0);
+    });
+}
 
 void show_about(const look& look)
 {
-    const looking one(look, IDCANCEL);
+    const auto one = looking(look, IDCANCEL);
     AboutDialog().show(nullptr);
 }
 
@@ -81,14 +81,14 @@ void show_wait(const look& look)
 
 void show_correction(const look& look)
 {
-    const looking one(look, IDOK);
+    const auto one = looking(look, IDOK);
     ask_for_correction(nullptr, u"Share the following ports:", text(string_id::share_following_ports));
 }
 
 void show_message(const look& look)
 {
     const girder::ui::message_button buttons[] = {{IDYES, text(string_id::yes)}, {IDNO, text(string_id::no)}};
-    const looking one(look, IDYES);
+    const auto one = looking(look, IDYES);
     girder::ui::show_message_box(nullptr, {.title = text(string_id::operation_error),
                                            .text = text(string_id::drop_absent_ports_and_share_all),
                                            .icon = girder::ui::message_icon::warning,
@@ -187,13 +187,11 @@ TEST_P(every_dialog_test, openings_leave_no_handles)
     open(3); // which make what the system keeps
     const auto before = handle_marks();
     open(200);
-    auto after = handle_marks();
     // The system's own threads let go of theirs a little later.
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(2);
-    while (after > before && std::chrono::steady_clock::now() < deadline)
-        after = handle_marks();
-    for (std::size_t kind = 0; kind < before.size(); ++kind)
-        EXPECT_LE(after[kind], before[kind]) << "kernel, GDI, window system: kind " << kind;
+    EXPECT_TRUE(ui_driver::eventually([&] { return std::ranges::equal(handle_marks(), before, std::less_equal()); },
+                                      std::chrono::seconds(2)))
+        << testing::PrintToString(before) << " kernel, GDI and window objects became "
+        << testing::PrintToString(handle_marks());
 }
 
 INSTANTIATE_TEST_SUITE_P(dialog, every_dialog_test, testing::ValuesIn(std::span(every_dialog).first<5>()),
