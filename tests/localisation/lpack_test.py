@@ -1,12 +1,10 @@
 """Runs the pack compiler on good and bad sources: lpack_test.py LPACK"""
 
 import contextlib
-import importlib.machinery
-import importlib.util
 import io
+import runpy
 import sys
 import tempfile
-import types
 import unittest
 from pathlib import Path
 
@@ -14,15 +12,8 @@ LPACK = sys.argv.pop(1)
 DATA = Path(__file__).parent / "data"
 
 
-def load_lpack() -> types.ModuleType:
-    sys.path.insert(0, str(Path(LPACK).parent))
-    loader = importlib.machinery.SourceFileLoader("lpack", LPACK)
-    module = importlib.util.module_from_spec(importlib.util.spec_from_loader("lpack", loader))
-    loader.exec_module(module)
-    return module
-
-
-lpack = load_lpack()
+sys.path.insert(0, str(Path(LPACK).parent))
+main = runpy.run_path(LPACK)["main"]
 
 
 def entry(**fields) -> str:
@@ -42,7 +33,7 @@ class LpackTestCase(unittest.TestCase):
         """Returns what the tool writes, and says as an error."""
         out, err = io.StringIO(), io.StringIO()
         with contextlib.redirect_stdout(out), contextlib.redirect_stderr(err):
-            self.returncode = lpack.main([str(argument) for argument in arguments])
+            self.returncode = main([str(argument) for argument in arguments])
         return out.getvalue(), err.getvalue()
 
     def write(self, name, content):

@@ -16,16 +16,22 @@ std::optional<StringLayer> read(const pack_bytes& pack, const StringLayer* benea
     return StringLayer::read(pack, pack_form::bare, beneath);
 }
 
-TEST(string_layer_test, serves_texts_from_the_memory_of_the_pack)
+TEST(string_layer_test, serves_texts_and_items_by_index_from_the_memory_of_the_pack)
 {
-    const pack_bytes pack = pack_builder().text(7, 3, u"Seven").text(0, 1, u"").with_signature();
+    constexpr std::uint32_t largest = 65'535;
+    const pack_bytes pack = pack_builder()
+                                .text(7, 0x3FFFFFFF, u"Seven")
+                                .text(0, 1, u"")
+                                .list(1, 5, {{4, u"four"}, {0, u"older"}, {0, u"zero"}})
+                                .list(2, 0, {{largest, u"largest"}}, 3)
+                                .with_signature();
     const auto layer = StringLayer::read(pack, pack_form::with_signature, nullptr);
     ASSERT_TRUE(layer);
     EXPECT_EQ(layer->locale_name(), "ENU");
     EXPECT_EQ(layer->language_tag(), "en");
     const StringEntry& seven = *layer->find(7);
     EXPECT_EQ(seven.id(), 7U);
-    EXPECT_EQ(seven.revision(), 3U);
+    EXPECT_EQ(seven.revision(), 0x3FFFFFFFU);
     const auto* const first = reinterpret_cast<const std::byte*>(seven.text().data());
     EXPECT_TRUE(first > pack.data() && first < pack.data() + pack.size());
     EXPECT_EQ(seven.text(), u"Seven");
@@ -33,26 +39,12 @@ TEST(string_layer_test, serves_texts_from_the_memory_of_the_pack)
     EXPECT_EQ(seven.item(0), u"");
     EXPECT_EQ(layer->find(0)->text(), u"");
     EXPECT_EQ(layer->find(8), nullptr);
-}
-
-TEST(string_layer_test, serves_items_by_index)
-{
-    constexpr std::uint32_t largest = 65'535;
-    const pack_bytes pack = pack_builder()
-                                .list(1, 5, {{4, u"four"}, {0, u"older"}, {0, u"zero"}})
-                                .list(2, 0x3FFFFFFF, {{largest, u"largest"}}, 3)
-                                .bare();
-    const auto layer = read(pack);
-    ASSERT_TRUE(layer);
     const StringEntry& sparse = *layer->find(1);
     EXPECT_EQ(sparse.revision(), 5U);
     EXPECT_EQ(sparse.text(), u"");
-    EXPECT_EQ(sparse.item(0), u"zero");
-    EXPECT_EQ(sparse.item(2), u"");
-    EXPECT_EQ(sparse.item(4), u"four");
-    EXPECT_EQ(sparse.item(5), u"");
+    for (const auto& [index, item] : {std::pair(0U, u"zero"), {2, u""}, {4, u"four"}, {5, u""}})
+        EXPECT_EQ(sparse.item(index), item);
     EXPECT_EQ(layer->find(2)->item(largest), u"largest");
-    EXPECT_EQ(layer->find(2)->revision(), 0x3FFFFFFFU);
 }
 
 // Multiples of the inverse of the hash's factor share one home: a search must end, and the first entry still counts.
