@@ -29,9 +29,12 @@ public:
     using callback = std::function<void()>;
 
     bool requested() const noexcept { return requested_; }
+    /// Calls the callbacks, the first time.
     void request();
+    /// Calls back at once where the request was before.
     /// \param called  outlives its registration
     void add(const callback& called);
+    /// When it returns, the callback is neither called nor being called any more.
     void remove(const callback& called) noexcept;
 
 private:

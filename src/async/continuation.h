@@ -35,12 +35,14 @@ class hand_off {
 public:
     explicit hand_off(std::coroutine_handle<> operation) noexcept : continuation_(operation) {}
 
+    /// On the other thread: continues the operation, unless it is gone.
     void arrive()
     {
         if (continuation_.claim())
             continuation_.resume();
     }
 
+    /// The operation has resumed or is being destroyed.
     void close() noexcept { continuation_.claim(); }
 
 private:

@@ -4,7 +4,7 @@
 
 #include <windows.h>
 
-// One line of traits for each kind of handle that more than one file owns. Closing never changes the last error, so a
+// The traits of each kind of handle that more than one file owns. Closing never changes the last error, so a
 // failing call's error survives the clean-up between the call and its reader.
 
 namespace girder {

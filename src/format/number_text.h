@@ -16,6 +16,7 @@
 
 namespace fmtkit::details {
 
+/// The digits of 0 to 99, two for each.
 template <typename Char>
 inline constexpr auto decimal_pairs = [] {
     std::array<Char, 200> pairs{};
@@ -26,6 +27,7 @@ inline constexpr auto decimal_pairs = [] {
     return pairs;
 }();
 
+/// Those that the type can hold, from the power of 0.
 template <std::unsigned_integral Number>
 inline constexpr auto powers_of_ten = [] {
     std::array<Number, sizeof(Number) == 4 ? 10 : 20> powers{1};
@@ -34,6 +36,7 @@ inline constexpr auto powers_of_ten = [] {
     return powers;
 }();
 
+/// How many decimal digits a number has; one for 0.
 template <std::unsigned_integral Number>
 constexpr std::size_t decimal_size(Number value) noexcept
 {
@@ -58,6 +61,7 @@ void write_decimal_before(Char* end, Number value) noexcept
         end[-1] = static_cast<Char>('0' + static_cast<char>(value));
 }
 
+/// How many digits of so many bits a number has; one for 0.
 constexpr std::size_t digits_of_bits(std::uint64_t value, unsigned bits_of_digit) noexcept
 {
     return (static_cast<std::size_t>(std::bit_width(value | 1)) + bits_of_digit - 1) / bits_of_digit;
@@ -117,6 +121,7 @@ Char* write_hexadecimal_prefix(Char* out) noexcept
     return out;
 }
 
+/// Writes the lowest `size` digits in the case that the flags ask for.
 template <typename Char, std::unsigned_integral Number>
 void write_hexadecimal(Char* out, std::size_t size, Number value, std::uint32_t flags) noexcept
 {
@@ -143,6 +148,7 @@ constexpr signed_magnitude<Number> split_sign(Number bits, bool is_unsigned, std
     return {bits, !is_unsigned && (flags & flag_plus) != 0 ? '+' : '\0'};
 }
 
+/// Whether the argument is or the item makes it unsigned.
 inline bool is_unsigned(const FormatItem& item, const argument& value) noexcept
 {
     return (item.flags & flag_unsigned) != 0 || value.type() == argument::kind::unsigned_number;

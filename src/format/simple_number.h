@@ -12,7 +12,7 @@
 
 namespace fmtkit::details {
 
-/// What is enough for a simple number or code.
+/// What is enough for a simple number or code. A number is written as eight units, whatever its length.
 inline constexpr std::size_t simple_number_room = 10;
 
 /// The digits of a number below 100'000'000, leading zeros among them, the first in the lowest byte: numbers of four,
@@ -35,6 +35,8 @@ inline bool is_simple_number(const FormatItem& item, const argument& value) noex
            value.is_number() && value.bits() < 100'000'000;
 }
 
+/// \param out  simple_number_room units
+/// \return the end of the number
 template <typename Char>
 Char* write_simple_number(Char* out, const FormatItem& item, std::uint32_t value) noexcept
 {
@@ -50,6 +52,8 @@ inline bool is_simple_code(const FormatItem& item, const argument& value) noexce
            is_without_width(item) && value.is_number() && is_unsigned(item, value) && value.as_unsigned() >> 32 == 0;
 }
 
+/// \param out  simple_number_room units
+/// \return the end of the code
 template <typename Char>
 Char* write_simple_code(Char* out, const FormatItem& item, std::uint32_t value) noexcept
 {

@@ -42,19 +42,21 @@ constexpr void for_each_field(const Table& table, Visit&& visit)
     std::apply([&visit](const auto&... row) { (visit(row), ...); }, table.fields);
 }
 
+/// Gives every field the value of its row.
 template <typename Table, typename Record>
 void assign_defaults(const Table& table, Record& record)
 {
     for_each_field(table, [&record](const auto& row) { record.*row.member = row.default_value; });
 }
 
+/// Writes every field, in declaration order.
 template <typename Table, typename Record>
 void write_all(const Table& table, const Record& record, value_writer& writer)
 {
     for_each_field(table, [&](const auto& row) { write_value(writer, row.name, record.*row.member); });
 }
 
-/// Writes the fields that differ from `defaults`.
+/// Writes the fields that differ from those of `defaults`, in declaration order.
 template <typename Table, typename Record>
 void write_changed(const Table& table, const Record& record, const Record& defaults, value_writer& writer)
 {
