@@ -29,12 +29,9 @@ TEST(utf_test, every_character_survives_both_ways)
     for (char32_t value = 1; value < 0x110000; ++value) {
         if (value >= 0xD800 && value < 0xE000)
             continue;
-        std::u16string text;
-        if (value < 0x10000) {
-            text = {static_cast<char16_t>(value)};
-        } else {
+        std::u16string text = {static_cast<char16_t>(value)};
+        if (value >= 0x10000)
             text = {static_cast<char16_t>(0xD7C0 + (value >> 10)), static_cast<char16_t>(0xDC00 + (value & 0x3FF))};
-        }
         ASSERT_EQ(to_utf16(to_utf8(text)), text) << std::hex << static_cast<std::uint32_t>(value);
     }
 }

@@ -5,7 +5,6 @@
 #include "program_folder.h"
 #include "ui_driver/remote_memory.h"
 #include "ui_driver/round_trips.h"
-#include "utility_driver/demo_service.h"
 
 #include <windows.h>
 
@@ -144,27 +143,6 @@ TEST_F(whole_program_test, loads_nothing_from_beside_itself_its_current_folder_o
     EXPECT_LT(trips.longest(), hang);
     EXPECT_EQ(program.close(), 0U);
     EXPECT_EQ(files(), before);
-}
-
-using planted_server_test = machine_test;
-
-// The folder's name has spaces: without quotes, the part before the first would be tried as a program.
-TEST_F(planted_server_test, a_program_named_like_a_part_of_the_path_is_not_the_one_that_is_installed)
-{
-    const demo_service service;
-    const std::filesystem::path folder = service.server().parent_path();
-    const std::wstring whole = folder.wstring();
-    const std::filesystem::path planted = whole.substr(0, whole.find(L' ')) + L".exe";
-    std::filesystem::remove(planted);
-    std::filesystem::copy_file(service.server(), planted);
-
-    const utility program(service.program());
-    program.control(id::start).click();
-    EXPECT_EQ(program.control(id::status).text(), u"Running");
-    EXPECT_THAT(service.log(), testing::HasSubstr(" started, "));
-    EXPECT_FALSE(std::filesystem::exists(planted.parent_path() / "tl_server.log"));
-    EXPECT_EQ(program.close(), 0U);
-    std::filesystem::remove(planted);
 }
 
 } // namespace

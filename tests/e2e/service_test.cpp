@@ -66,6 +66,10 @@ protected:
 
 TEST_F(service_test, is_installed_started_told_what_is_applied_and_stopped)
 {
+    // The folder's name has spaces: without quotes, the part before the first would be tried as a program.
+    const std::wstring folder = service_.server().parent_path().wstring();
+    const std::filesystem::path planted = folder.substr(0, folder.find(L' ')) + L".exe";
+    std::filesystem::copy_file(service_.server(), planted, std::filesystem::copy_options::overwrite_existing);
     const utility program(service_.program());
     EXPECT_EQ(state_of(program), not_installed);
     program.control(id::start).click();
@@ -88,6 +92,8 @@ TEST_F(service_test, is_installed_started_told_what_is_applied_and_stopped)
     program.control(id::start).click();
     EXPECT_EQ(state_of(program), running) << "installed once";
     EXPECT_EQ(program.close(), 0U);
+    EXPECT_FALSE(std::filesystem::exists(planted.parent_path() / "tl_server.log")) << "the planted one ran";
+    std::filesystem::remove(planted);
 }
 
 TEST_F(service_test, activating_the_window_shows_what_others_have_changed)
