@@ -70,7 +70,7 @@ TEST_F(foreign_message_test, run_nothing_and_change_nothing_behind_an_open_box)
     const std::vector pattern(8, &::ExitProcess);
     const std::size_t size = pattern.size() * sizeof pattern[0];
     const ui_driver::remote_memory memory(window, size);
-    memory.write(pattern.data(), size);
+    memory.write(static_cast<const void*>(pattern.data()), size);
 
     send_addresses(window, about.item(about_text).handle(), reinterpret_cast<LPARAM>(memory.address()));
     flood_with_commands(window);
@@ -78,7 +78,7 @@ TEST_F(foreign_message_test, run_nothing_and_change_nothing_behind_an_open_box)
     utility::answer(about, id::cancel);
 
     auto after = pattern;
-    memory.read(after.data(), size);
+    memory.read(static_cast<void*>(after.data()), size);
     EXPECT_EQ(after, pattern);
     EXPECT_TRUE(ui_driver::find_dialogs(about_title, program.process_id()).empty());
     EXPECT_TRUE(ui_driver::find_dialogs(error_title, program.process_id()).empty());

@@ -22,7 +22,7 @@ using testing::Pair;
 class language_test : public program_folder_test {
 protected:
     /// Copies the pack of a locale, perhaps under another name.
-    std::filesystem::path add_pack(const std::u16string& locale, std::u16string name = {}) const
+    std::filesystem::path add_pack(const std::u16string& locale, const std::u16string& name = {}) const
     {
         for (const auto& pack : std::filesystem::directory_iterator(built_packs())) {
             const std::u16string file = pack.path().filename().u16string();

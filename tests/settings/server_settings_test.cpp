@@ -23,7 +23,7 @@ TEST(server_settings_test, a_field_that_is_refused_leaves_the_others)
              {"sharedPorts", "[true]", "Number expected"},
              {"sharedPorts", "[4294967296]", "Number expected"},
          }) {
-        const std::string stored = std::string("{\"") + field + "\":" + value + ",\"language\":\"de\"}";
+        const std::string stored = std::string("{\"") + field + "\":" + value + R"(,"language":"de"})";
         ServerSettings strict = DefaultServerSettings();
         EXPECT_THAT([&] { Read(reader(stored), strict); }, testing::ThrowsMessage<load_exception>(expected_error));
         EXPECT_EQ(strict, DefaultServerSettings()) << "read before the failure: nothing";

@@ -145,8 +145,8 @@ TEST(json_reader_test, a_value_of_another_kind_or_range_is_refused_with_what_was
         {&reader::as_date, "Date expected", {"1", "\"2025-06-31T00:00:00\""}},
         {&reader::as_guid, "String expected", {"\"CLSID\"", "\"{35B11BAB}\""}},
         {&reader::as_binary, "String expected", {"[1]", "\"QUJDR\"", "\"QQ==QUI=\"", "\"QUJD=\"", "\"-_-_\""}},
-        {&reader::as_string, "bad json format (1,2)", {"\"a\\x41\""}},
-        {&reader::as_string, "bad json format (1,1)", {"\"\\u12\"", "\"\\u12G4\""}},
+        {&reader::as_string, "bad json format (1,2)", {R"("a\x41")"}},
+        {&reader::as_string, "bad json format (1,1)", {R"("\u12")", R"("\u12G4")"}},
     };
     for (const auto& [read, error, texts] : rows)
         for (const std::string_view text : texts)
