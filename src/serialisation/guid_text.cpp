@@ -1,5 +1,6 @@
 #include "serialisation/guid_text.h"
 
+#include "base/hexadecimal.h"
 #include "format/format.h"
 #include "format/literals.h"
 
@@ -11,16 +12,6 @@ namespace girder::nsm {
 namespace {
 
 using namespace fmtkit::literals;
-
-std::optional<unsigned> hex_digit(char16_t unit)
-{
-    if (unit >= u'0' && unit <= u'9')
-        return unit - u'0';
-    const char16_t lower = unit | 0x20;
-    if (lower >= u'a' && lower <= u'f')
-        return lower - u'a' + 10U;
-    return std::nullopt;
-}
 
 constexpr std::u16string_view pattern = u"{hhhhhhhh-hhhh-hhhh-hhhh-hhhhhhhhhhhh}";
 
@@ -51,7 +42,7 @@ std::optional<guid> parse_guid(std::u16string_view text)
                 return std::nullopt;
             continue;
         }
-        const std::optional<unsigned> digit = hex_digit(text[i]);
+        const std::optional<std::uint8_t> digit = hexadecimal_digit(text[i]);
         if (!digit)
             return std::nullopt;
         bytes[digits / 2] = static_cast<std::uint8_t>(bytes[digits / 2] * 16U + *digit);

@@ -1,5 +1,6 @@
 #include "update/manifest.h"
 
+#include "base/hexadecimal.h"
 #include "format/format.h"
 #include "format/literals.h"
 #include "serialisation/record.h"
@@ -14,26 +15,16 @@ using namespace fmtkit::literals;
 using namespace girder;
 using nsm::details::load_exception;
 
-std::optional<std::byte> hexadecimal_digit(char16_t unit)
-{
-    if (unit >= u'0' && unit <= u'9')
-        return static_cast<std::byte>(unit - u'0');
-    const auto lower = static_cast<char16_t>(unit | 0x20);
-    if (lower >= u'a' && lower <= u'f')
-        return static_cast<std::byte>(lower - u'a' + 10);
-    return std::nullopt;
-}
-
 std::optional<sha256_digest> parse_digest(std::u16string_view text)
 {
     sha256_digest digest;
     if (text.size() != 2 * digest.bytes.size())
         return std::nullopt;
     for (std::size_t i = 0; i < text.size(); ++i) {
-        const std::optional<std::byte> digit = hexadecimal_digit(text[i]);
+        const std::optional<std::uint8_t> digit = hexadecimal_digit(text[i]);
         if (!digit)
             return std::nullopt;
-        digest.bytes[i / 2] = digest.bytes[i / 2] << 4 | *digit;
+        digest.bytes[i / 2] = digest.bytes[i / 2] << 4 | std::byte{*digit};
     }
     return digest;
 }
