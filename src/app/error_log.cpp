@@ -20,15 +20,16 @@ try {
 
 } // namespace
 
-void log_error(const std::exception_ptr& error) noexcept
+void log_error(const std::exception_ptr& error, const std::source_location& where) noexcept
 try {
     std::rethrow_exception(error);
 } catch (const girder::system_error& failure) {
-    girder::log_failure({.code = failure.code(), .text = text_of_code(failure.code()), .context = failure.what()});
+    girder::log_failure({.code = failure.code(), .text = text_of_code(failure.code()), .context = failure.what()},
+                        where);
 } catch (const std::exception& failure) {
-    girder::log_failure({.context = failure.what()});
+    girder::log_failure({.context = failure.what()}, where);
 } catch (...) {
-    girder::log_failure({.context = "an exception of an unknown type"});
+    girder::log_failure({.context = "an exception of an unknown type"}, where);
 }
 
 } // namespace tidelink
