@@ -80,7 +80,7 @@ bool update_offer::on_timer(WPARAM timer)
     ::KillTimer(dialog_.window(), timer_id);
     if (result_)
         on_checked();
-    else
+    else if (!std::exchange(started_, true))
         start();
     return true;
 }

@@ -73,6 +73,13 @@ protected:
         return static_cast<std::size_t>(std::ranges::count(list, '\n'));
     }
 
+    /// Neither ends a check nor begins another.
+    static void post_timer_of_another_program(const utility& program)
+    {
+        constexpr WPARAM timer_of_update_check = 0x5550;
+        ::PostMessageW(program.window().handle(), WM_TIMER, timer_of_update_check, 0);
+    }
+
     std::string logged(const utility& program) { return log_.of(program.process_id()); }
 
     /// The folders with installers that there are.
@@ -186,6 +193,7 @@ TEST_F(update_test, a_release_without_an_installer_is_told_after_nine_redirects_
     play("ten_redirects");
     const utility program;
     EXPECT_TRUE(eventually([&] { return logged(program).find(" 00002F7C ") != std::string::npos; }));
+    EXPECT_THAT(logged(program), testing::HasSubstr("update_offer.cpp("));
     EXPECT_EQ(program.close(), 0U) << "no box stands before the window";
 }
 
@@ -214,10 +222,8 @@ TEST_F(update_test, a_server_that_falls_silent_is_given_up_after_30_seconds_what
     const auto silent_since = std::chrono::steady_clock::now();
     const time_of_day clock(program);
     clock.shift(-5h);
-    // Other programs' messages of its timer neither end the check nor begin another.
-    constexpr WPARAM timer_of_update_check = 0x5550;
     for (int times = 0; times < 3; ++times)
-        ::PostMessageW(program.window().handle(), WM_TIMER, timer_of_update_check, 0);
+        post_timer_of_another_program(program);
     clock.shift(3h);
     EXPECT_TRUE(eventually([&] { return logged(program).find(" 00002EE2 ") != std::string::npos; }, 60s));
     EXPECT_GT(std::chrono::steady_clock::now() - silent_since, 29s);
@@ -259,6 +265,7 @@ TEST_P(unused_test, leaves_nothing_of_its_check)
     })) << logged(program);
     if (row.offered)
         utility::answer(program.message(question_title), id::no);
+    post_timer_of_another_program(program);
     expect_kept(row.kept);
     EXPECT_LT(trips.longest(), hang);
     EXPECT_EQ(requests(), row.requests);
