@@ -222,9 +222,9 @@ private:
             ::SetWindowPos(button, HWND_BOTTOM, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
             ::SetWindowSubclass(button, copy_key_filter, 0, 0);
         }
-        const int chosen = request_.default_button != 0 ? request_.default_button : request_.buttons.front().id;
-        ::SendMessageW(window(), DM_SETDEFID, static_cast<WPARAM>(chosen), 0);
-        ::SendMessageW(window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(control(chosen)), TRUE);
+        const int first = request_.buttons.front().id;
+        ::SendMessageW(window(), DM_SETDEFID, static_cast<WPARAM>(first), 0);
+        ::SendMessageW(window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(control(first)), TRUE);
     }
 
     static int icon_side(UINT dpi) noexcept { return ::GetSystemMetricsForDpi(SM_CXICON, dpi); }

@@ -22,8 +22,7 @@ struct message_request {
     std::u16string_view title;
     std::u16string_view text;                ///< markup (ui/rich_text.h); line feeds start new lines
     message_icon icon = message_icon::none;  ///< decides the system sound too
-    std::span<const message_button> buttons; ///< at least one, none twice, from left to right
-    int default_button = 0;                  ///< has the focus at first; 0: the first
+    std::span<const message_button> buttons; ///< at least one, none twice, from left to right; the first has the focus
     int escape_button = 0;                   ///< what Esc and the close box press where there is no Cancel
     std::u16string_view check_box_text = {}; ///< empty: no check box
 };

@@ -48,21 +48,19 @@ TEST(message_box_test, shows_its_buttons_and_answers_by_key_mnemonic_and_close_b
     const struct {
         const char* name;
         std::span<const message_button> buttons;
-        int default_button;
         int escape_button;
         std::vector<input> posted;
         int button;
         bool checked;
         bool can_be_closed;
     } cases[] = {
-        {"enter_presses_the_first", no_yes, 0, 0, {enter}, IDNO, false, false},
-        {"enter_presses_the_default", no_yes, IDYES, 0, {enter}, IDYES, false, false},
-        {"mnemonic_of_the_check_box", no_yes, 0, 0, {alt_d, enter}, IDNO, true, false},
-        {"escape_presses_cancel", all, 0, 0, {escape}, IDCANCEL, false, true},
-        {"escape_presses_the_only_button", all.last(1), 0, 0, {escape}, IDOK, false, true},
-        {"escape_presses_the_named_button", no_yes, 0, IDYES, {escape}, IDYES, false, true},
-        {"escape_does_nothing_without_a_button_for_it", no_yes, 0, 0, {escape, close, alt_y}, IDYES, false, false},
-        {"close_box_is_escape", cancel_retry, IDRETRY, 0, {close_box}, IDCANCEL, false, true},
+        {"enter_presses_the_first", no_yes, 0, {enter}, IDNO, false, false},
+        {"mnemonic_of_the_check_box", no_yes, 0, {alt_d, enter}, IDNO, true, false},
+        {"escape_presses_cancel", all, 0, {escape}, IDCANCEL, false, true},
+        {"escape_presses_the_only_button", all.last(1), 0, {escape}, IDOK, false, true},
+        {"escape_presses_the_named_button", no_yes, IDYES, {escape}, IDYES, false, true},
+        {"escape_does_nothing_without_a_button_for_it", no_yes, 0, {escape, close, alt_y}, IDYES, false, false},
+        {"close_box_is_escape", cancel_retry, 0, {close_box}, IDCANCEL, false, true},
     };
     for (const auto& row : cases) {
         SCOPED_TRACE(row.name);
@@ -92,7 +90,6 @@ TEST(message_box_test, shows_its_buttons_and_answers_by_key_mnemonic_and_close_b
                                        .text = u"Text",
                                        .icon = message_icon::warning,
                                        .buttons = row.buttons,
-                                       .default_button = row.default_button,
                                        .escape_button = row.escape_button,
                                        .check_box_text = u"&Do not display this message anymore"});
         EXPECT_EQ(answer.button, row.button);
