@@ -1,7 +1,7 @@
 #pragma once
 
 #include "async/ui_thread.h"
-#include "base/unique_handle.h"
+#include "base/handles.h"
 
 #include <windows.h>
 
@@ -27,13 +27,6 @@ public:
     ~corrections_mode();
 
 private:
-    struct hook_traits {
-        using raw_type = HHOOK;
-        static constexpr raw_type empty() noexcept { return nullptr; }
-        static void close(raw_type hook) noexcept { ::UnhookWindowsHookEx(hook); }
-    };
-    using unique_hook = girder::unique_handle<hook_traits>;
-
     static LRESULT CALLBACK on_message(int code, WPARAM removal, LPARAM message) noexcept;
     static LRESULT CALLBACK on_window(int code, WPARAM window, LPARAM details) noexcept;
 
@@ -45,8 +38,8 @@ private:
     girder::ui_thread& thread_;
     std::map<HWND, std::uint32_t> strings_; ///< of the controls in the dialogs that have been active
     std::map<HWND, HWND> tooltips_;         ///< by dialog
-    unique_hook message_hook_;
-    unique_hook window_hook_;
+    girder::unique_hook message_hook_;
+    girder::unique_hook window_hook_;
 };
 
 } // namespace tidelink

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "async/ui_thread.h"
-#include "base/unique_handle.h"
+#include "base/handles.h"
 
 #include <windows.h>
 
@@ -19,13 +19,7 @@ public:
     ~message_hook();
 
 private:
-    struct hook_traits {
-        using raw_type = HHOOK;
-        static constexpr raw_type empty() noexcept { return nullptr; }
-        static void close(raw_type hook) noexcept { ::UnhookWindowsHookEx(hook); }
-    };
-
-    girder::unique_handle<hook_traits> hook_;
+    girder::unique_hook hook_;
 };
 
 } // namespace tidelink

@@ -20,6 +20,7 @@ void close_key(HKEY key) noexcept;
 void close_service(SC_HANDLE handle) noexcept;
 void delete_gdi(HGDIOBJ object) noexcept;
 void delete_device(HDC device) noexcept;
+void remove_hook(HHOOK hook) noexcept;
 
 /// Processes, threads, events, mutexes and mappings: they fail with null.
 struct kernel {
@@ -90,6 +91,13 @@ struct memory_device {
     static void close(raw_type device) noexcept { delete_device(device); }
 };
 
+/// SetWindowsHookExW.
+struct hook {
+    using raw_type = HHOOK;
+    static constexpr raw_type empty() noexcept { return nullptr; }
+    static void close(raw_type hook) noexcept { remove_hook(hook); }
+};
+
 } // namespace handle_traits
 
 using unique_kernel_handle = unique_handle<handle_traits::kernel>;
@@ -102,5 +110,6 @@ using unique_registry_key = unique_handle<handle_traits::registry_key>;
 using unique_service_handle = unique_handle<handle_traits::service>;
 using unique_font = unique_handle<handle_traits::gdi<HFONT>>;
 using unique_memory_device = unique_handle<handle_traits::memory_device>;
+using unique_hook = unique_handle<handle_traits::hook>;
 
 } // namespace girder

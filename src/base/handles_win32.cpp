@@ -76,4 +76,10 @@ void delete_device(HDC device) noexcept
     ::DeleteDC(device);
 }
 
+void remove_hook(HHOOK hook) noexcept
+{
+    const last_error_keeper keeper;
+    ::UnhookWindowsHookEx(hook);
+}
+
 } // namespace girder::handle_traits
