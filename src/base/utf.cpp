@@ -85,15 +85,6 @@ char* put_utf8(char* out, char32_t value)
     return out;
 }
 
-constexpr bool is_high_surrogate(char16_t unit)
-{
-    return (unit & 0xFC00) == 0xD800;
-}
-constexpr bool is_low_surrogate(char16_t unit)
-{
-    return (unit & 0xFC00) == 0xDC00;
-}
-
 /// Decodes the character at `position` and moves it behind.
 char32_t take_character(std::string_view utf8, std::size_t& position)
 {

@@ -13,6 +13,16 @@ std::u16string to_utf16(std::string_view utf8);
 /// UTF-16 to UTF-8. A surrogate without its partner becomes U+FFFD.
 std::string to_utf8(std::u16string_view utf16);
 
+/// The first and the second half of a pair of UTF-16 units.
+constexpr bool is_high_surrogate(char16_t unit) noexcept
+{
+    return (unit & 0xFC00) == 0xD800;
+}
+constexpr bool is_low_surrogate(char16_t unit) noexcept
+{
+    return (unit & 0xFC00) == 0xDC00;
+}
+
 /// The sizes of those results.
 std::size_t utf16_size(std::string_view utf8) noexcept;
 std::size_t utf8_size(std::u16string_view utf16) noexcept;

@@ -1,5 +1,7 @@
 #include "ui/text_flow.h"
 
+#include "base/utf.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -9,11 +11,6 @@ namespace {
 bool is_ideograph(char16_t unit) noexcept
 {
     return (unit >= 0x2E80 && unit < 0xD800) || (unit >= 0xF900 && unit < 0xFE00) || unit >= 0xFF00;
-}
-
-bool is_high_surrogate(char16_t unit) noexcept
-{
-    return (unit & 0xFC00) == 0xD800;
 }
 
 /// The length of the first word with the blanks behind it. A line feed ends it.

@@ -22,15 +22,6 @@ constexpr escape escapes[] = {{'"', '"'},  {'\\', '\\'}, {'t', '\t'}, {'n', '\n'
 /// As many of them are written.
 constexpr std::size_t written_escapes = 5;
 
-constexpr bool is_high_surrogate(char16_t unit)
-{
-    return (unit & 0xFC00) == 0xD800;
-}
-constexpr bool is_low_surrogate(char16_t unit)
-{
-    return (unit & 0xFC00) == 0xDC00;
-}
-
 std::optional<char16_t> code_unit(std::string_view raw)
 {
     constexpr std::size_t digits = 4;
