@@ -1,6 +1,8 @@
 #include "update/announcements.h"
 
+#include "base/utf.h"
 #include "update/encoded_version.h"
+#include "update/https.h"
 
 #include <algorithm>
 #include <vector>
@@ -15,11 +17,6 @@ constexpr std::size_t longest_address = 2048;
 constexpr bool breaks_line(char16_t unit) noexcept
 {
     return unit < u' ' || (unit >= 0x7F && unit < 0xA0) || unit == 0x2028 || unit == 0x2029;
-}
-
-constexpr bool is_high_surrogate(char16_t unit) noexcept
-{
-    return unit >= 0xD800 && unit < 0xDC00;
 }
 
 /// The first pack that may replace the installed one; null when there is none.
@@ -40,8 +37,8 @@ const OfferedPack* newer_than(const LanguagePackInfo& installed, const std::vect
 
 const Promo* current_promo(const Manifest& manifest, day_number today)
 {
-    const bool shown = manifest.promo && today <= manifest.promo->expires_on && is_https(manifest.promo->url) &&
-                       manifest.promo->url.size() <= longest_address;
+    const bool shown = manifest.promo && today <= manifest.promo->expires_on &&
+                       girder::http::is_https(manifest.promo->url) && manifest.promo->url.size() <= longest_address;
     return shown ? &*manifest.promo : nullptr;
 }
 
@@ -70,7 +67,7 @@ std::u16string single_line(std::u16string_view text)
     std::u16string line(text.substr(0, longest_text));
     std::ranges::replace_if(line, breaks_line, u' ');
     if (line.size() < text.size()) {
-        if (is_high_surrogate(line.back()))
+        if (girder::is_high_surrogate(line.back()))
             line.pop_back();
         line += u'…';
     }

@@ -4,22 +4,12 @@
 #include "async/task.h"
 #include "update/wininet.h"
 
-#include <chrono>
-#include <cstdint>
 #include <string>
 #include <string_view>
 
 namespace girder::http {
 
 inline constexpr char16_t user_agent[] = u"Zelmark girder Library win7-compatible HTTP client. Version 1.0";
-
-/// What a transfer may take at most; more is an error.
-struct transfer_limits {
-    std::uint64_t document_bytes = std::uint64_t{512} * 1024;
-    std::uint64_t file_bytes = std::uint64_t{256} * 1024 * 1024;
-    /// Without anything new from the server.
-    std::chrono::milliseconds silence = std::chrono::seconds(30);
-};
 
 /// GET requests over HTTP and HTTPS by asynchronous WinINet, directly, without a proxy. Transfers of one session may
 /// run at the same time; each resumes its awaiter on a thread of the pool. The session outlives them; they may be
@@ -28,7 +18,7 @@ class session {
 public:
     /// \param base  what every address is put behind, as it stands, e.g. u"https://updates.example"; may be empty
     /// \throws system_error when wininet.dll cannot be loaded
-    explicit session(std::u16string base, const transfer_limits& limits = {});
+    explicit session(std::u16string base);
     session(const session&) = delete;
     session& operator=(const session&) = delete;
     ~session();
@@ -41,8 +31,8 @@ public:
     // - ERROR_INTERNET_UNRECOGNIZED_SCHEME (12006) for an address that is not http or https, or has no host;
     // - ERROR_HTTP_REDIRECT_FAILED (12156) for a redirect that leaves https, and for the tenth;
     // - ERROR_INTERNET_CONNECTION_ABORTED (12030) for a body shorter than its announced length;
-    // - ERROR_FILE_TOO_LARGE (223) for a body beyond the limit;
-    // - ERROR_INTERNET_TIMEOUT (12002) when the server is silent for too long;
+    // - ERROR_FILE_TOO_LARGE (223) for a document of more than 512 KiB, and a file of more than 256 MiB;
+    // - ERROR_INTERNET_TIMEOUT (12002) when the server is silent for 30 seconds;
     // - what WinINet reports otherwise;
     // and operation_cancelled.
 
@@ -55,7 +45,6 @@ private:
     void close() noexcept;
 
     std::u16string base_;
-    transfer_limits limits_;
     wininet_functions wininet_;
     HINTERNET handle_ = nullptr;
 };

@@ -7,6 +7,7 @@
 #include "update/http_transfer.h"
 
 #include <array>
+#include <cstdint>
 #include <utility>
 
 namespace girder::http {
@@ -16,6 +17,8 @@ using namespace fmtkit::literals;
 
 constexpr std::size_t longest_url = 4096;
 constexpr DWORD status_ok = 200;
+constexpr std::uint64_t largest_document = std::uint64_t{512} * 1024;
+constexpr std::uint64_t largest_file = std::uint64_t{256} * 1024 * 1024;
 
 std::u16string canonical_url(const wininet_functions& wininet, const std::u16string& url)
 {
@@ -116,8 +119,7 @@ task<> open(transfer& opened, HINTERNET session, std::u16string url, std::u16str
 
 } // namespace
 
-session::session(std::u16string base, const transfer_limits& limits)
-    : base_(std::move(base)), limits_(limits), wininet_(load_wininet())
+session::session(std::u16string base) : base_(std::move(base)), wininet_(load_wininet())
 {}
 
 session::~session()
@@ -145,10 +147,10 @@ task<std::string> session::fetch_document(std::u16string url, cancellation cance
 {
     const std::u16string address = canonical_url(wininet_, fmtkit::format(u"{0}{1}"_fmt, base_, url));
     require_web_address(wininet_, address);
-    transfer request(wininet_, limits_.silence);
+    transfer request(wininet_);
     const std::u16string headers = u"Accept: application/json";
     co_await http::open(request, handle_, address, headers, cancelled);
-    body_size size(limits_.document_bytes, request.announced_length());
+    body_size size(largest_document, request.announced_length());
     std::string body;
     for (;;) {
         const std::span<const char> bytes = co_await request.read(cancelled);
@@ -165,10 +167,10 @@ task<> session::download_file(std::u16string url, std::u16string path, cancellat
 {
     const std::u16string address = canonical_url(wininet_, fmtkit::format(u"{0}{1}"_fmt, base_, url));
     require_web_address(wininet_, address);
-    transfer request(wininet_, limits_.silence);
+    transfer request(wininet_);
     const std::u16string headers = u"Accept: */*";
     co_await http::open(request, handle_, address, headers, cancelled);
-    body_size size(limits_.file_bytes, request.announced_length());
+    body_size size(largest_file, request.announced_length());
     downloaded_file file(path);
     for (;;) {
         const std::span<const char> bytes = co_await request.read(cancelled);

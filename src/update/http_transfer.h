@@ -5,7 +5,6 @@
 #include "base/handles.h"
 #include "update/wininet.h"
 
-#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -24,11 +23,12 @@ struct watchdog_traits {
 };
 
 /// One GET request, from its opening to the end of its body. What WinINet writes to lives on by itself until WinINet
-/// has closed the request; this object may be destroyed at any time.
+/// has closed the request; this object may be destroyed at any time. A server that is silent for 30 seconds is given
+/// up.
 class transfer {
 public:
-    /// \param silence  how long the server may be silent
-    transfer(const wininet_functions& wininet, std::chrono::milliseconds silence);
+    /// \throws system_error
+    explicit transfer(const wininet_functions& wininet);
     transfer(const transfer&) = delete;
     transfer& operator=(const transfer&) = delete;
     ~transfer();
@@ -54,7 +54,6 @@ private:
     task<> completion(const char* call, cancellation cancelled);
 
     const wininet_functions& wininet_;
-    std::chrono::milliseconds silence_;
     std::shared_ptr<request> request_;
     unique_handle<watchdog_traits> watchdog_;
 };

@@ -3,8 +3,8 @@
 #include "base/wide.h"
 #include "base/win32_error.h"
 #include "update/http_transfer.h"
+#include "update/https.h"
 
-#include <charconv>
 #include <utility>
 #include <vector>
 
@@ -13,18 +13,11 @@ namespace {
 
 constexpr std::size_t buffer_size = std::size_t{64} * 1024;
 constexpr DWORD watch_interval_ms = 250;
+constexpr ULONGLONG longest_silence_ms = 30'000;
 constexpr int first_refused_redirect = 10;
 /// An existing connection is used and kept, and nobody is asked anything.
 constexpr DWORD open_flags = INTERNET_FLAG_EXISTING_CONNECT | INTERNET_FLAG_KEEP_CONNECTION | INTERNET_FLAG_NO_UI;
 static_assert(open_flags == 0x20400200);
-
-bool is_https(std::wstring_view url) noexcept
-{
-    constexpr std::wstring_view scheme = L"https://";
-    return url.size() >= scheme.size() &&
-           ::CompareStringOrdinal(url.data(), static_cast<int>(scheme.size()), scheme.data(),
-                                  static_cast<int>(scheme.size()), TRUE) == CSTR_EQUAL;
-}
 
 } // namespace
 
@@ -94,10 +87,10 @@ public:
         return std::exchange(handle_, nullptr);
     }
 
-    void fail_when_silent_for(std::chrono::milliseconds limit) noexcept
+    void fail_when_silent() noexcept
     {
         const exclusive_lock guard(lock_);
-        if (pending_ && ::GetTickCount64() - last_sign_ >= static_cast<std::uint64_t>(limit.count()))
+        if (pending_ && ::GetTickCount64() - last_sign_ >= longest_silence_ms)
             complete(ERROR_INTERNET_TIMEOUT);
     }
 
@@ -111,7 +104,8 @@ public:
             handle_ = reinterpret_cast<HINTERNET>(static_cast<const INTERNET_ASYNC_RESULT*>(information)->dwResult);
             break;
         case INTERNET_STATUS_REDIRECT:
-            if (++redirects_ >= first_refused_redirect || !is_https(static_cast<const wchar_t*>(information))) {
+            if (++redirects_ >= first_refused_redirect ||
+                !is_https(as_utf16(static_cast<const wchar_t*>(information)))) {
                 refusal_ = ERROR_HTTP_REDIRECT_FAILED;
                 complete(refusal_);
             }
@@ -160,14 +154,11 @@ void watchdog_traits::close(raw_type timer) noexcept
     ::CloseThreadpoolTimer(timer);
 }
 
-transfer::transfer(const wininet_functions& wininet, std::chrono::milliseconds silence)
-    : wininet_(wininet), silence_(silence), request_(std::make_shared<request>()),
+transfer::transfer(const wininet_functions& wininet)
+    : wininet_(wininet), request_(std::make_shared<request>()),
       watchdog_(::CreateThreadpoolTimer(
-          [](PTP_CALLBACK_INSTANCE, void* self, PTP_TIMER) {
-              const auto* const watched = static_cast<const transfer*>(self);
-              watched->request_->fail_when_silent_for(watched->silence_);
-          },
-          this, nullptr))
+          [](PTP_CALLBACK_INSTANCE, void* watched, PTP_TIMER) { static_cast<request*>(watched)->fail_when_silent(); },
+          request_.get(), nullptr))
 {
     if (!watchdog_)
         throw_last_error("CreateThreadpoolTimer");

@@ -4,9 +4,8 @@
 #include "format/format.h"
 #include "format/literals.h"
 #include "serialisation/record.h"
+#include "update/https.h"
 #include "update/json_reader.h"
-
-#include <algorithm>
 
 namespace tidelink {
 namespace {
@@ -111,17 +110,9 @@ std::u16string check_path(std::uint32_t own_version)
     return fmtkit::format(u"/dispatch/tps-server7/checkforupdates?ver={}"_fmt, own_version);
 }
 
-bool is_https(std::u16string_view url) noexcept
-{
-    constexpr std::u16string_view scheme = u"https://";
-    return std::ranges::equal(url.substr(0, scheme.size()), scheme, {}, [](char16_t unit) {
-        return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit | 0x20) : unit;
-    });
-}
-
 std::optional<std::u16string> address_below(std::u16string_view host, std::u16string_view url)
 {
-    if (is_https(url))
+    if (http::is_https(url))
         return std::u16string(url);
     // Two slashes, or a backslash, which browsers take for one, would name another host.
     if (!url.starts_with(u'/') || url.substr(1).starts_with(u'/') || url.find(u'\\') != std::u16string_view::npos)

@@ -88,8 +88,6 @@ Manifest read_manifest(std::string_view text);
 /// The path and query that ask for the newest release.
 std::u16string check_path(std::uint32_t own_version);
 
-bool is_https(std::u16string_view url) noexcept;
-
 /// Where a file of the vendor's is: an https address stands for itself, a path that begins with one slash is on `host`.
 /// Empty for everything else, in particular what would continue the host's name.
 /// \param host  e.g. u"https://updates.example"
