@@ -10,8 +10,9 @@
 
 #include <sddl.h>
 
-#include <algorithm>
 #include <exception>
+#include <string>
+#include <string_view>
 
 namespace demo_server {
 namespace {

@@ -6,6 +6,7 @@
 #include "server.h"
 
 #include <exception>
+#include <string>
 
 namespace demo_server {
 namespace {
@@ -80,8 +81,8 @@ bool run_as_service(const script& script)
 {
     ::Sleep(script.connect_ms);
     followed_script = &script;
-    wchar_t name[] = L"zelpssrv";
-    const SERVICE_TABLE_ENTRYW services[] = {{.lpServiceName = name, .lpServiceProc = service_main}, {}};
+    std::wstring name = service_name;
+    const SERVICE_TABLE_ENTRYW services[] = {{.lpServiceName = name.data(), .lpServiceProc = service_main}, {}};
     if (::StartServiceCtrlDispatcherW(services))
         return true;
     if (::GetLastError() != ERROR_FAILED_SERVICE_CONTROLLER_CONNECT)

@@ -4,6 +4,9 @@
 #include "base/wide.h"
 #include "base/win32_error.h"
 
+#include <initializer_list>
+#include <string_view>
+
 namespace device_database {
 namespace {
 

@@ -6,7 +6,6 @@
 #include <optional>
 #include <span>
 #include <string>
-#include <string_view>
 
 // Made-up COM-port devices in the device-installation database of a Wine prefix. The records are written straight into
 // the registry (System\CurrentControlSet, Enum and Control\DeviceClasses): Wine's own functions cannot mark a device

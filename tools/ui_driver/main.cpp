@@ -18,7 +18,7 @@
 #include <cstdlib>
 #include <iostream>
 #include <span>
-#include <string>
+#include <string_view>
 
 namespace {
 

@@ -2,10 +2,10 @@
 
 #include "base/utf.h"
 #include "base/wide.h"
+#include "base/win32_error.h"
 #include "ui_driver/polling.h"
 
 #include <algorithm>
-#include <stdexcept>
 
 namespace utility_driver {
 
@@ -26,7 +26,7 @@ PROCESS_INFORMATION start(const std::u16string& command_line)
          ++attempt) {
         const DWORD code = ::GetLastError();
         if (code != ERROR_INTERNAL_ERROR || attempt == attempts)
-            throw std::runtime_error("CreateProcessW: " + std::to_string(code));
+            girder::throw_win32(code, "CreateProcessW");
     }
     return started;
 }
@@ -39,9 +39,9 @@ std::u16string server_under_test;
 utility::utility(const std::u16string& program)
 {
     const PROCESS_INFORMATION started = start(u'"' + program + u"\" --handed to a restart");
+    const girder::unique_kernel_handle thread(started.hThread);
     process_.reset(started.hProcess);
     id_ = started.dwProcessId;
-    ::CloseHandle(started.hThread);
 }
 
 utility::~utility()
