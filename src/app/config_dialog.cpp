@@ -23,7 +23,6 @@
 #include "ui/dialog_layout.h"
 #include "ui/dpi.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace tidelink {
@@ -237,13 +236,15 @@ bool ConfigDialog::on_command(WPARAM command, LPARAM)
 
 bool ConfigDialog::on_notify(const NMHDR& notification, LRESULT&)
 {
-    if (notification.idFrom == IDC_PORTS && notification.code == static_cast<UINT>(NM_SETFOCUS))
-        check_list::begin_at_first(control(IDC_PORTS));
-    if (notification.idFrom != IDC_PORTS || notification.code != static_cast<UINT>(LVN_ITEMCHANGED))
+    if (notification.idFrom != IDC_PORTS)
         return false;
-    const auto& change = reinterpret_cast<const NMLISTVIEW&>(notification);
-    if ((change.uChanged & LVIF_STATE) != 0 && check_mark_changed(change.uOldState, change.uNewState))
-        on_changed();
+    if (notification.code == static_cast<UINT>(NM_SETFOCUS))
+        check_list::begin_at_first(control(IDC_PORTS));
+    if (notification.code == static_cast<UINT>(LVN_ITEMCHANGED)) {
+        const auto& change = reinterpret_cast<const NMLISTVIEW&>(notification);
+        if ((change.uChanged & LVIF_STATE) != 0 && check_mark_changed(change.uOldState, change.uNewState))
+            on_changed();
+    }
     return false;
 }
 

@@ -10,7 +10,6 @@
 #include "ui/controls.h"
 
 #include <exception>
-#include <utility>
 
 namespace tidelink {
 

@@ -5,6 +5,22 @@
 #include <algorithm>
 
 namespace girder::ui {
+namespace {
+
+LRESULT CALLBACK select_all_filter(HWND edit, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR id,
+                                   DWORD_PTR) noexcept
+{
+    constexpr WPARAM control_a = 1;
+    if (message == WM_CHAR && wparam == control_a) {
+        ::SendMessageW(edit, EM_SETSEL, 0, -1);
+        return 0;
+    }
+    if (message == WM_NCDESTROY)
+        ::RemoveWindowSubclass(edit, select_all_filter, id);
+    return ::DefSubclassProc(edit, message, wparam, lparam);
+}
+
+} // namespace
 
 std::u16string window_text(HWND window)
 {
@@ -30,6 +46,11 @@ void set_enabled(HWND control, bool enabled) noexcept
     if (!enabled && ::GetFocus() == control)
         ::SendMessageW(::GetParent(control), WM_NEXTDLGCTL, 0, FALSE);
     ::EnableWindow(control, enabled);
+}
+
+void select_all_by_keyboard(HWND edit) noexcept
+{
+    ::SetWindowSubclass(edit, select_all_filter, 0, 0);
 }
 
 bool is_checked_button(HWND button) noexcept

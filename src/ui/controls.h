@@ -23,6 +23,9 @@ void change_window_text(HWND window, std::u16string_view text);
 /// Disabling the control that has the focus passes the focus on: the keyboard would be without effect.
 void set_enabled(HWND control, bool enabled) noexcept;
 
+/// Lets Ctrl+A select the whole text of a one-line edit, which not every system does by itself.
+void select_all_by_keyboard(HWND edit) noexcept;
+
 bool is_checked_button(HWND button) noexcept;
 void set_checked_button(HWND button, bool checked) noexcept;
 

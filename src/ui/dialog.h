@@ -35,27 +35,6 @@ bool route_command(Dialog& dialog, std::span<const command_route<Dialog>> routes
     return false;
 }
 
-/// The same for WM_NOTIFY, with the message's result as the handler's.
-template <typename Dialog>
-struct notify_route {
-    int control;
-    UINT notification; ///< LVN_ITEMCHANGED, NM_CLICK, ...
-    LRESULT (Dialog::*handler)(const NMHDR& notification);
-};
-
-template <typename Dialog>
-bool route_notification(Dialog& dialog, std::span<const notify_route<Dialog>> routes, const NMHDR& notification,
-                        LRESULT& result)
-{
-    for (const notify_route<Dialog>& route : routes) {
-        if (static_cast<UINT_PTR>(route.control) == notification.idFrom && route.notification == notification.code) {
-            result = (dialog.*route.handler)(notification);
-            return true;
-        }
-    }
-    return false;
-}
-
 /// Sent to a dialog when its controls have other texts: it lays them out again. Nothing before it is laid out first.
 inline constexpr UINT lay_out_again_message = WM_APP;
 

@@ -96,9 +96,10 @@ public:
                               const DWRITE_GLYPH_RUN_DESCRIPTION* characters, IUnknown* effect) noexcept override
     {
         try {
-            const auto link = static_cast<int>(static_cast<const link_mark*>(effect) - marks_.data());
-            if (effect)
+            if (effect) {
+                const auto link = static_cast<int>(static_cast<const link_mark*>(effect) - marks_.data());
                 links.push_back({.link = link, .place = area_of(*run, x, base_line)});
+            }
             for (UINT32 i = 0; i < characters->stringLength; ++i)
                 if (run->glyphIndices[characters->clusterMap[i]] == 0)
                     without_glyph.push_back(characters->textPosition + i);

@@ -4,9 +4,6 @@
 #include "base/win32_error.h"
 #include "ui/text_measure.h"
 
-#include <cwchar>
-#include <iterator>
-
 namespace girder::ui {
 
 unique_font create_dialog_font(UINT dpi)

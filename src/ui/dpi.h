@@ -6,9 +6,6 @@
 
 namespace girder::ui {
 
-/// The DPI at which the template's dialog units and the sizes below have their nominal values.
-inline constexpr UINT nominal_dpi = 96;
-
 /// The dialog font, "MS Shell Dlg" of 8 points, for a DPI; owned by the caller, who keeps it while a control uses it.
 /// \throws system_error
 unique_font create_dialog_font(UINT dpi);

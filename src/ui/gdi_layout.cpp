@@ -5,7 +5,6 @@
 #include "ui/text_flow.h"
 
 #include <algorithm>
-#include <iterator>
 #include <utility>
 
 namespace girder::ui {

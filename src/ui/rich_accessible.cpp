@@ -3,7 +3,6 @@
 #include "base/system_library.h"
 #include "base/wide.h"
 
-#include <algorithm>
 #include <atomic>
 #include <memory>
 

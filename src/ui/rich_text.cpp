@@ -1,6 +1,7 @@
 #include "ui/rich_text.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <optional>
 #include <utility>
 

@@ -3,6 +3,7 @@
 #include "base/debug_log.h"
 #include "base/wide.h"
 #include "base/win32_error.h"
+#include "ui/controls.h"
 #include "ui/rich_accessible.h"
 #include "ui/rich_layout.h"
 #include "ui/rich_text.h"
@@ -476,11 +477,9 @@ void replace_by_rich_view(HWND dialog, int id)
     RECT place{};
     ::GetWindowRect(replaced, &place);
     ::MapWindowPoints(nullptr, dialog, reinterpret_cast<POINT*>(&place), 2);
-    std::u16string markup(static_cast<std::size_t>(::GetWindowTextLengthW(replaced)), u'\0');
-    ::GetWindowTextW(replaced, as_wide(markup.data()), static_cast<int>(markup.size()) + 1);
     const HWND view =
-        ::CreateWindowExW(0, rich_view_class, as_wide(markup), WS_CHILD | WS_VISIBLE, place.left, place.top,
-                          place.right - place.left, place.bottom - place.top, dialog,
+        ::CreateWindowExW(0, rich_view_class, as_wide(window_text(replaced)), WS_CHILD | WS_VISIBLE, place.left,
+                          place.top, place.right - place.left, place.bottom - place.top, dialog,
                           reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), ::GetModuleHandleW(nullptr), nullptr);
     if (!view)
         throw_last_error("CreateWindowExW");

@@ -15,9 +15,8 @@ namespace girder::ui {
 /// - WM_SETTEXT takes markup; WM_GETTEXT gives the text without it. Text, font and size follow the customs of a static
 ///   control, and so do its messages where none is named here.
 /// - Text that is higher than the window scrolls.
-/// - With links, or with text to scroll, it is a tab stop. Tab goes from link to link, Enter and the mouse open one:
-/// its
-///   parent is sent WM_NOTIFY with rich_view_click, and unless that answers 1 the shell opens the address.
+/// - With links, or with text to scroll, it is a tab stop. Tab goes from link to link, Enter and the mouse open one.
+///   Its parent is sent WM_NOTIFY with rich_view_click, and unless that answers 1 the shell opens the address.
 /// - It draws in the system's colours, by Direct2D where that can be had, else by GDI.
 /// - Assistive programs see the text with the links as its children (WM_GETOBJECT).
 inline constexpr wchar_t rich_view_class[] = L"zel.girder.richview";

@@ -6,22 +6,6 @@
 #include <commctrl.h>
 
 namespace girder::ui {
-namespace {
-
-LRESULT CALLBACK select_all_filter(HWND edit, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR id,
-                                   DWORD_PTR) noexcept
-{
-    constexpr WPARAM control_a = 1;
-    if (message == WM_CHAR && wparam == control_a) {
-        ::SendMessageW(edit, EM_SETSEL, 0, -1);
-        return 0;
-    }
-    if (message == WM_NCDESTROY)
-        ::RemoveWindowSubclass(edit, select_all_filter, id);
-    return ::DefSubclassProc(edit, message, wparam, lparam);
-}
-
-} // namespace
 
 void tooltips::set(HWND dialog, HWND control, std::u16string_view text)
 {
@@ -40,11 +24,6 @@ void tooltips::set(HWND dialog, HWND control, std::u16string_view text)
     tool.lpszText = as_wide(terminated.data());
     ::SendMessageW(window_, TTM_DELTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
     ::SendMessageW(window_, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tool));
-}
-
-void select_all_by_keyboard(HWND edit) noexcept
-{
-    ::SetWindowSubclass(edit, select_all_filter, 0, 0);
 }
 
 } // namespace girder::ui

@@ -17,7 +17,4 @@ private:
     HWND window_ = nullptr;
 };
 
-/// Lets Ctrl+A select the whole text of a one-line edit, which not every system does by itself.
-void select_all_by_keyboard(HWND edit) noexcept;
-
 } // namespace girder::ui
