@@ -97,6 +97,15 @@ REG
     exec 9>&-
 }
 
+# What is started from here on has a virtual display; virtual_display is its process.
+start_display() { # WIDTHxHEIGHT
+    local number
+    exec 7< <(exec Xvfb -displayfd 1 -screen 0 "$1x24" -nolisten tcp 2>/dev/null)
+    virtual_display=$!
+    read -r number <&7
+    export DISPLAY=:$number
+}
+
 wine_remove_prefix() { # NAME
     [ ! -d "$prefixes/$1" ] || { wine_stop "$prefixes/$1"; rm -rf "${prefixes:?}/$1"; }
 }
