@@ -41,7 +41,9 @@ void round_trips::watch(HWND window, const std::stop_token& stop)
             last_begin_ = begin;
             longest_ = std::max(longest_, clock::now() - std::max(begin, counted_from_));
         }
-        ::Sleep(1);
+        // Wine's Sleep ends by the time of day, which a test may set back meanwhile; no thread is signalled while it
+        // runs.
+        ::WaitForSingleObject(::GetCurrentThread(), 1);
     }
 }
 
