@@ -243,8 +243,7 @@ private:
 
     RECT on_screen(const area& place) const noexcept
     {
-        RECT on_screen{
-            .left = place.x, .top = place.y, .right = place.x + place.width, .bottom = place.y + place.height};
+        RECT on_screen = as_rectangle(place);
         ::MapWindowPoints(view_->window(), nullptr, reinterpret_cast<POINT*>(&on_screen), 2);
         return on_screen;
     }

@@ -16,6 +16,11 @@ struct link_area {
     area place;
 };
 
+inline RECT as_rectangle(const area& place) noexcept
+{
+    return {.left = place.x, .top = place.y, .right = place.x + place.width, .bottom = place.y + place.height};
+}
+
 /// The system's present colours for text in a dialog.
 struct rich_colours {
     COLORREF background = ::GetSysColor(COLOR_BTNFACE);

@@ -21,9 +21,9 @@ namespace {
 /// wParam: the width; the result is the extent itself. No address comes with it: other programs can send it too.
 constexpr UINT measure_message = WM_USER + 1;
 
-RECT as_rectangle(const area& place) noexcept
+HFONT default_font() noexcept
 {
-    return {.left = place.x, .top = place.y, .right = place.x + place.width, .bottom = place.y + place.height};
+    return static_cast<HFONT>(::GetStockObject(DEFAULT_GUI_FONT));
 }
 
 class rich_view final : public accessible_view {
@@ -49,7 +49,7 @@ private:
     LRESULT handle_input(UINT message, WPARAM wparam, LPARAM lparam);
     LRESULT set_text(const char16_t* markup);
     void set_font(HFONT font, bool redraw);
-    void renew_layout();
+    rich_layout& layout();
     void fit();
     extent measure(int width);
 
@@ -77,7 +77,7 @@ private:
 
     HWND window_;
     rich_text text_;
-    HFONT font_ = nullptr; ///< the creator's
+    HFONT font_ = default_font(); ///< the creator's, who may have none
     std::unique_ptr<rich_layout> layout_;
     scroll_bar bar_{SB_VERT};
     int line_height_ = 1;
@@ -102,27 +102,29 @@ LRESULT rich_view::set_text(const char16_t* markup)
     bar_.scroll_to(window_, 0);
     // Whoever asks for the text, a screen reader for example, gets it without the markup.
     const LRESULT result = ::DefWindowProcW(window_, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(as_wide(text_.text)));
-    renew_layout();
+    layout_ = nullptr;
+    fit();
     ::NotifyWinEvent(EVENT_OBJECT_NAMECHANGE, window_, OBJID_CLIENT, CHILDID_SELF);
     return result;
 }
 
 void rich_view::set_font(HFONT font, bool redraw)
 {
-    font_ = font;
-    renew_layout();
+    font_ = font ? font : default_font();
+    layout_ = nullptr;
+    fit();
     if (redraw)
         invalidate();
 }
 
-void rich_view::renew_layout()
+/// Made when it is needed: after a failure the next message that needs it tries again.
+rich_layout& rich_view::layout()
 {
-    const HFONT font = font_ ? font_ : static_cast<HFONT>(::GetStockObject(DEFAULT_GUI_FONT));
-    layout_ = nullptr;
-    layout_ = make_direct_layout(text_, font);
     if (!layout_)
-        layout_ = make_gdi_layout(text_, font);
-    fit();
+        layout_ = make_direct_layout(text_, font_);
+    if (!layout_)
+        layout_ = make_gdi_layout(text_, font_);
+    return *layout_;
 }
 
 /// Breaks the text to the window's width and sets what follows from its height. Whether a scroll bar is needed is
@@ -132,13 +134,13 @@ void rich_view::fit()
     RECT outer{};
     ::GetWindowRect(window_, &outer);
     const int room = outer.bottom - outer.top;
-    int height = layout_->arrange(outer.right - outer.left).height;
+    int height = layout().arrange(outer.right - outer.left).height;
     if (height > room)
         height =
-            std::max(room + 1, layout_->arrange(outer.right - outer.left - ::GetSystemMetrics(SM_CXVSCROLL)).height);
+            std::max(room + 1, layout().arrange(outer.right - outer.left - ::GetSystemMetrics(SM_CXVSCROLL)).height);
     line_height_ = std::max(1, height / static_cast<int>(1 + std::ranges::count(text_.text, u'\n')));
     bar_.fit(window_, height, room);
-    layout_->arrange(inside().right);
+    layout().arrange(inside().right);
     const auto style = static_cast<DWORD>(::GetWindowLongPtrW(window_, GWL_STYLE));
     const bool reachable = link_count() > 0 || bar_.needed();
     ::SetWindowLongPtrW(window_, GWL_STYLE,
@@ -148,18 +150,18 @@ void rich_view::fit()
 
 extent rich_view::measure(int width)
 {
-    const extent needed = layout_->arrange(width);
-    layout_->arrange(inside().right);
+    const extent needed = layout().arrange(width);
+    layout().arrange(inside().right);
     return needed;
 }
 
 void rich_view::paint(HDC device)
 {
     const RECT room = inside();
-    if (!layout_->paint(device, room, bar_.position(), hovered_)) {
-        layout_ = make_gdi_layout(text_, font_ ? font_ : static_cast<HFONT>(::GetStockObject(DEFAULT_GUI_FONT)));
+    if (!layout().paint(device, room, bar_.position(), hovered_)) {
+        layout_ = make_gdi_layout(text_, font_);
         fit();
-        layout_->paint(device, room, bar_.position(), hovered_);
+        layout().paint(device, room, bar_.position(), hovered_);
     }
     if (focused_link() >= 0)
         draw_focus(device);
@@ -180,7 +182,7 @@ void rich_view::draw_focus(HDC device)
 
 std::vector<link_area> rich_view::visible_links()
 {
-    std::vector<link_area> areas = layout_->link_areas();
+    std::vector<link_area> areas = layout().link_areas();
     for (link_area& each : areas)
         each.place.y -= bar_.position();
     return areas;
@@ -246,7 +248,7 @@ void rich_view::focus_link(int link)
 
 void rich_view::on_focus()
 {
-    for (const link_area& each : layout_->link_areas())
+    for (const link_area& each : layout().link_areas())
         if (each.link == focused_)
             bar_.reveal(window_, each.place.y, each.place.y + each.place.height);
     invalidate();
