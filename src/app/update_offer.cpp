@@ -80,7 +80,7 @@ bool update_offer::on_timer(WPARAM timer)
     ::KillTimer(dialog_.window(), timer_id);
     if (result_)
         on_checked();
-    else if (!std::exchange(started_, true))
+    else if (!answered_)
         start();
     return true;
 }
@@ -114,6 +114,7 @@ void update_offer::on_checked() noexcept
         log_error(error);
         return;
     }
+    answered_ = true;
     try {
         update_answer answer = result->take();
         manifest_ = std::move(answer.manifest);

@@ -56,7 +56,7 @@ private:
     changes changes_;
     girder::cancellation_source cancel_;
     Manifest manifest_; ///< of the last answer
-    bool started_ = false;
+    bool answered_ = false;
     std::shared_ptr<check_result> result_;
     std::shared_ptr<update_offer*> alive_ = std::make_shared<update_offer*>(this); ///< for what was posted
 };
