@@ -4,10 +4,7 @@
 #include "base/wide.h"
 #include "base/win32_error.h"
 #include "ui/controls.h"
-#include "ui/rich_accessible.h"
-#include "ui/rich_layout.h"
-#include "ui/rich_text.h"
-#include "ui/scroll_bar.h"
+#include "ui/rich_view_window.h"
 #include "ui/shell_link.h"
 
 #include <algorithm>
@@ -21,71 +18,23 @@ namespace {
 /// wParam: the width; the result is the extent itself. No address comes with it: other programs can send it too.
 constexpr UINT measure_message = WM_USER + 1;
 
-HFONT default_font() noexcept
-{
-    return static_cast<HFONT>(::GetStockObject(DEFAULT_GUI_FONT));
-}
-
-class rich_view final : public accessible_view {
+/// BeginPaint, and EndPaint with the object.
+class window_paint {
 public:
-    explicit rich_view(HWND window) noexcept : window_(window) {}
-    rich_view(const rich_view&) = delete;
-    rich_view& operator=(const rich_view&) = delete;
-    ~rich_view()
-    {
-        if (accessible_)
-            accessible_.get()->disconnect();
-    }
+    explicit window_paint(HWND window) noexcept : window_(window), device_(::BeginPaint(window, &painted_)) {}
+    window_paint(const window_paint&) = delete;
+    window_paint& operator=(const window_paint&) = delete;
+    ~window_paint() { ::EndPaint(window_, &painted_); }
 
-    LRESULT handle(UINT message, WPARAM wparam, LPARAM lparam);
-    HWND window() const noexcept override { return window_; }
-    const rich_text& content() const noexcept override { return text_; }
-    std::vector<link_area> visible_links() override;
-    int focused_link() const noexcept override { return ::GetFocus() == window_ ? focused_ : -1; }
-    void focus_link(int link) override;
-    void open_link(int link) override;
+    HDC device() const noexcept { return device_; }
 
 private:
-    LRESULT handle_input(UINT message, WPARAM wparam, LPARAM lparam);
-    LRESULT set_text(const char16_t* markup);
-    void set_font(HFONT font, bool redraw);
-    rich_layout& layout();
-    void fit();
-    extent measure(int width);
-
-    void paint(HDC device);
-    void draw_focus(HDC device);
-    void invalidate() const noexcept { ::InvalidateRect(window_, nullptr, FALSE); }
-
-    int link_at(LPARAM position);
-    void hover(int link);
-    void on_mouse_move(LPARAM position);
-    void on_button_down(LPARAM position);
-    void on_button_up(LPARAM position);
-    bool show_cursor();
-
-    LRESULT wanted_keys(const MSG* key) const noexcept;
-    /// The link that Tab goes to from the focused one, -1 when it leaves the view.
-    int next_link(bool backwards) const noexcept;
-    bool on_key(WPARAM key);
-    void on_focus();
-    void scrolled(int distance);
-    LRESULT give_object(WPARAM wparam, LPARAM lparam);
-
-    int link_count() const noexcept { return static_cast<int>(text_.addresses.size()); }
-    RECT inside() const noexcept;
-
     HWND window_;
-    rich_text text_;
-    HFONT font_ = default_font(); ///< the creator's, who may have none
-    std::unique_ptr<rich_layout> layout_;
-    scroll_bar bar_{SB_VERT};
-    int line_height_ = 1;
-    int focused_ = -1;
-    int hovered_ = -1;
-    int pressed_ = -1;
-    unique_com<rich_accessible> accessible_;
+    PAINTSTRUCT painted_{};
+    HDC device_;
 };
+
+} // namespace
 
 RECT rich_view::inside() const noexcept
 {
@@ -102,28 +51,40 @@ LRESULT rich_view::set_text(const char16_t* markup)
     bar_.scroll_to(window_, 0);
     // Whoever asks for the text, a screen reader for example, gets it without the markup.
     const LRESULT result = ::DefWindowProcW(window_, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(as_wide(text_.text)));
-    layout_ = nullptr;
-    fit();
+    renew_layout();
     ::NotifyWinEvent(EVENT_OBJECT_NAMECHANGE, window_, OBJID_CLIENT, CHILDID_SELF);
     return result;
 }
 
 void rich_view::set_font(HFONT font, bool redraw)
 {
-    font_ = font ? font : default_font();
-    layout_ = nullptr;
-    fit();
+    font_ = font ? font : static_cast<HFONT>(::GetStockObject(DEFAULT_GUI_FONT));
+    renew_layout();
     if (redraw)
         invalidate();
 }
 
-/// Made when it is needed: after a failure the next message that needs it tries again.
+void rich_view::renew_layout()
+{
+    layout_ = nullptr;
+    std::unique_ptr<rich_layout> made = make_direct_layout(text_, font_);
+    use(made ? std::move(made) : make_gdi_layout(text_, font_));
+}
+
+/// There is no layout that does not fit: after a failure the next message that needs one makes it.
+void rich_view::use(std::unique_ptr<rich_layout> layout)
+try {
+    layout_ = std::move(layout);
+    fit();
+} catch (...) {
+    layout_ = nullptr;
+    throw;
+}
+
 rich_layout& rich_view::layout()
 {
     if (!layout_)
-        layout_ = make_direct_layout(text_, font_);
-    if (!layout_)
-        layout_ = make_gdi_layout(text_, font_);
+        renew_layout();
     return *layout_;
 }
 
@@ -134,13 +95,13 @@ void rich_view::fit()
     RECT outer{};
     ::GetWindowRect(window_, &outer);
     const int room = outer.bottom - outer.top;
-    int height = layout().arrange(outer.right - outer.left).height;
+    int height = layout_->arrange(outer.right - outer.left).height;
     if (height > room)
         height =
-            std::max(room + 1, layout().arrange(outer.right - outer.left - ::GetSystemMetrics(SM_CXVSCROLL)).height);
+            std::max(room + 1, layout_->arrange(outer.right - outer.left - ::GetSystemMetrics(SM_CXVSCROLL)).height);
     line_height_ = std::max(1, height / static_cast<int>(1 + std::ranges::count(text_.text, u'\n')));
     bar_.fit(window_, height, room);
-    layout().arrange(inside().right);
+    layout_->arrange(inside().right);
     const auto style = static_cast<DWORD>(::GetWindowLongPtrW(window_, GWL_STYLE));
     const bool reachable = link_count() > 0 || bar_.needed();
     ::SetWindowLongPtrW(window_, GWL_STYLE,
@@ -159,9 +120,8 @@ void rich_view::paint(HDC device)
 {
     const RECT room = inside();
     if (!layout().paint(device, room, bar_.position(), hovered_)) {
-        layout_ = make_gdi_layout(text_, font_);
-        fit();
-        layout().paint(device, room, bar_.position(), hovered_);
+        use(make_gdi_layout(text_, font_));
+        layout_->paint(device, room, bar_.position(), hovered_);
     }
     if (focused_link() >= 0)
         draw_focus(device);
@@ -348,7 +308,8 @@ LRESULT rich_view::handle(UINT message, WPARAM wparam, LPARAM lparam)
     case measure_message:
         return std::bit_cast<LRESULT>(measure(static_cast<int>(wparam)));
     case WM_SIZE:
-        fit();
+        if (layout_)
+            fit();
         return 0;
     case WM_SYSCOLORCHANGE:
     case WM_THEMECHANGED:
@@ -356,13 +317,9 @@ LRESULT rich_view::handle(UINT message, WPARAM wparam, LPARAM lparam)
         return 0;
     case WM_ERASEBKGND:
         return 1;
-    case WM_PAINT: {
-        PAINTSTRUCT painted{};
-        const HDC device = ::BeginPaint(window_, &painted);
-        paint(device);
-        ::EndPaint(window_, &painted);
+    case WM_PAINT:
+        paint(window_paint(window_).device());
         return 0;
-    }
     case WM_PRINTCLIENT:
         paint(reinterpret_cast<HDC>(wparam));
         return 0;
@@ -421,6 +378,8 @@ LRESULT rich_view::handle_input(UINT message, WPARAM wparam, LPARAM lparam)
     }
     return ::DefWindowProcW(window_, message, wparam, lparam);
 }
+
+namespace {
 
 /// Nothing is thrown into the system. Whoever uses the view hears that something did not work.
 LRESULT guarded(rich_view& view, UINT message, WPARAM wparam, LPARAM lparam) noexcept
