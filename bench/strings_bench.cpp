@@ -257,7 +257,9 @@ enum class ids_beneath { other, same };
 
 /// A pack in a file, and a table to lay it over.
 struct pack_file {
-    pack_file() : path("/tmp/strings_bench." + std::to_string(::getpid())) {}
+    pack_file()
+        : path((std::filesystem::temp_directory_path() / ("strings_bench." + std::to_string(::getpid()))).string())
+    {}
     ~pack_file() { ::unlink(path.c_str()); }
     pack_file(const pack_file&) = delete;
     pack_file& operator=(const pack_file&) = delete;
@@ -328,7 +330,9 @@ bench::comparison load(std::string work, std::size_t beneath, ids_beneath which,
 /// A language pack of 48 texts, and a catalogue of the same texts, both in files that no program has read before.
 class translation_files {
 public:
-    translation_files() : folder_("/tmp/strings_bench.catalogues." + std::to_string(::getpid()))
+    translation_files()
+        : folder_((std::filesystem::temp_directory_path() / ("strings_bench.catalogues." + std::to_string(::getpid())))
+                      .string())
     {
         if (std::setlocale(LC_ALL, "C.UTF-8") == nullptr || ::setenv("LANGUAGE", "xx", 1) != 0)
             std::abort();

@@ -12,8 +12,8 @@
 
 namespace tidelink {
 
-/// Looks for a newer release once, in the background, and offers it. Failures are logged and not shown until the
-/// administrator has agreed to the upgrade. User-interface thread only.
+/// Looks for a newer release in the background, until it got an answer, and offers it. Failures are logged and not
+/// shown until the administrator has agreed to the upgrade. User-interface thread only.
 class update_offer {
 public:
     struct settings {

@@ -10,7 +10,7 @@ namespace tidelink {
 
 namespace {
 
-constexpr std::size_t longest_format = 4'096;
+constexpr std::size_t longest_format = 1'024;
 
 /// Looks at bytes, because a text may stand at an odd address.
 bool has_brace(std::u16string_view text) noexcept

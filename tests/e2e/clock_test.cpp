@@ -5,6 +5,7 @@
 #include "utility_driver/demo_service.h"
 
 #include <array>
+#include <optional>
 
 namespace {
 
@@ -33,13 +34,21 @@ TEST_P(clock_test, neither_ends_nor_prolongs_what_is_under_way)
     service.set(L"service", L"start_ms", 3000);
     support::debug_monitor log;
     const auto now = [] { return std::chrono::steady_clock::now(); };
-    const auto started = now();
-    const utility program(service.program());
-    const time_of_day clock(program);
-
-    clock.shift(shift);
-    EXPECT_TRUE(
-        eventually([&] { return log.of(program.process_id()).find("[InternetOpenUrlW]") != std::string::npos; }));
+    std::optional<utility> run;
+    std::optional<time_of_day> clock_of_run;
+    const auto asked = [&] { return log.of(run->process_id()).find("[InternetOpenUrlW]") != std::string::npos; };
+    auto started = now();
+    // A busy machine may be too late for the two seconds before the check for updates.
+    do {
+        clock_of_run.reset();
+        run.reset();
+        started = now();
+        run.emplace(service.program());
+        clock_of_run.emplace(*run).shift(shift);
+    } while (asked());
+    const utility& program = *run;
+    const time_of_day& clock = *clock_of_run;
+    EXPECT_TRUE(eventually(asked));
     EXPECT_GE(now() - started, 2s);
     clock.shift(0h);
 

@@ -63,11 +63,13 @@ TEST(stored_value_test, texts_may_lack_their_terminating_null)
     EXPECT_EQ(made(value_type::text, nullptr, 0).as_string(), u"");
 }
 
-TEST(stored_value_test, a_refused_value_leaves_an_optional_empty)
+TEST(stored_value_test, a_refused_value_leaves_an_optional_as_it_was)
 {
-    std::optional<bool> value;
-    EXPECT_THROW(read_value(girder::registry_ex::single_value_reader(text(u"1"), 0), value), load_exception);
-    EXPECT_EQ(value, std::nullopt);
+    for (const std::optional<bool> before : {std::optional<bool>(), std::optional(true)}) {
+        std::optional<bool> value = before;
+        EXPECT_THROW(read_value(girder::registry_ex::single_value_reader(text(u"1"), 0), value), load_exception);
+        EXPECT_EQ(value, before);
+    }
 }
 
 TEST(stored_value_test, numbers_of_both_sizes)

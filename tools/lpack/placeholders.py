@@ -2,7 +2,11 @@
 
 import re
 
+from name_hash import utf16_units
 from problem import Problem
+
+# The program does not compare longer ones with what they replace, and shows the English text.
+MAX_FORMAT_UNITS = 1024
 
 # Each choice is final, as it is in the language's reader, which never goes back.
 PLACEHOLDER = re.compile(
@@ -28,6 +32,8 @@ def found_in(text: str) -> list[str]:
     """The placeholders in their order. Raises Problem when the format language would refuse the text."""
     found = []
     position = text.find("{")
+    if position >= 0 and len(utf16_units(text)) > MAX_FORMAT_UNITS:
+        raise Problem(f"a text with placeholders is longer than {MAX_FORMAT_UNITS} UTF-16 code units")
     while position >= 0:
         if text.startswith("{{", position):
             position += 2

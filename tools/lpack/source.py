@@ -12,6 +12,7 @@ from problem import Problem
 MODULES = ("program", "common")
 
 MAX_TEXT_UNITS = 0xFFFF
+MAX_ITEMS = 1024
 MAX_REVISION = (1 << 30) - 1
 
 _FIELDS = {"module", "name", "key", "id", "revision", "text", "items", "comment"}
@@ -110,6 +111,8 @@ def _entry(table: dict, values: dict) -> Entry:
     texts = table["items"] if "items" in table else [table["text"]]
     if not isinstance(texts, list) or not all(isinstance(text, str) for text in texts):
         raise Problem("'text' must be a text and 'items' a list of texts")
+    if len(texts) > MAX_ITEMS:
+        raise Problem(f"there are more than {MAX_ITEMS} items")
 
     return Entry(
         module=table["module"],

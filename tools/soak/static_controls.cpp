@@ -5,6 +5,7 @@
 
 #include <commctrl.h>
 
+#include <algorithm>
 #include <array>
 #include <string_view>
 
@@ -52,8 +53,12 @@ void make_static_controls(int count)
         ::SendMessageW(make_static_control(parent.get(), WS_CHILD).get(), WM_SETFONT, font, 0);
 }
 
-bool is_static_control(HWND window)
+/// Those that show a picture keep nothing.
+bool is_static_text(HWND window)
 {
+    const LONG_PTR kind = ::GetWindowLongPtrW(window, GWL_STYLE) & SS_TYPEMASK;
+    if (kind == SS_ICON || kind == SS_BITMAP)
+        return false;
     std::array<wchar_t, 16> name{};
     ::GetClassNameW(window, name.data(), static_cast<int>(name.size()));
     return ::CompareStringOrdinal(name.data(), -1, WC_STATICW, -1, TRUE) == CSTR_EQUAL;
@@ -64,7 +69,7 @@ thread_local std::atomic<std::size_t>* count_of_this_thread = nullptr;
 
 void CALLBACK on_created(HWINEVENTHOOK, DWORD, HWND window, LONG object, LONG, DWORD, DWORD)
 {
-    if (object == OBJID_WINDOW && is_static_control(window))
+    if (object == OBJID_WINDOW && is_static_text(window))
         ++*count_of_this_thread;
 }
 
@@ -76,7 +81,7 @@ std::size_t bytes_kept_for_a_static_control()
     make_static_controls(controls);
     const std::size_t before = bytes_taken(::GetProcessHeap());
     make_static_controls(controls);
-    return (bytes_taken(::GetProcessHeap()) - before) / controls;
+    return (std::max(bytes_taken(::GetProcessHeap()), before) - before) / controls;
 }
 
 static_control_counter::static_control_counter(DWORD process)

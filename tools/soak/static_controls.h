@@ -9,13 +9,13 @@
 
 namespace soak {
 
-/// What stays taken of a process's heap for each static control that was made, got a font and was destroyed again, in
-/// bytes. Measured in this process, which must have the program's version of the common controls. Wine's keeps 48
-/// bytes whatever the program does; Windows' keeps none.
+/// What stays taken of a process's heap for each static control with a text that was made, got a font and was destroyed
+/// again, in bytes. Measured in this process, which must have the program's version of the common controls. Wine's
+/// keeps 24 bytes, and as many of the heap's own, whatever the program does; Windows' keeps none.
 std::size_t bytes_kept_for_a_static_control();
 
-/// Counts the static controls that a process makes, whatever for. It goes by events of the window system, which come
-/// from another process with a little delay: one that lives for a few milliseconds may be missed.
+/// Counts the static controls with a text that a process makes, whatever for. It goes by events of the window system,
+/// which come from another process with a little delay: one that lives for a few milliseconds may be missed.
 class static_control_counter {
 public:
     /// \throws girder::system_error when there are no such events to be had
