@@ -177,7 +177,7 @@ int main()
     figures longest_of_update;
     for (int round = 0; round < runs; ++round) {
         run_with_service(longest);
-        run(flows_of_update, (here / "tl_server_config_bench.exe").u16string(), longest_of_update);
+        run(flows_of_update, (here / "tl_server_config_measured.exe").u16string(), longest_of_update);
     }
     bench::report report("Longest round trip of a message to the window");
     for (const auto& [all, found] : {std::pair(&flows, &longest), {&flows_of_update, &longest_of_update}})
