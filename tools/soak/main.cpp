@@ -180,6 +180,9 @@ void prepare(const demo_service& service)
     std::filesystem::copy(std::filesystem::path(program_under_test).parent_path() / "../../languages",
                           std::filesystem::path(service.program()).parent_path() / "languages");
     service.install();
+    // Longer than the half second behind which "Please Wait" appears, so that it lives long enough to be counted.
+    for (const wchar_t* const delay : {L"start_ms", L"stop_ms"})
+        service.set(L"service", delay, 800);
 }
 
 bool stays_steady(std::chrono::minutes duration, std::string_view only)
