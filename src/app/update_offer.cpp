@@ -64,9 +64,11 @@ void update_offer::start_later()
 std::u16string update_offer::announcements() const
 {
     std::u16string lines;
-    if (const Promo* const promo = current_promo(manifest_, day_of(girder::system_now())))
+    if (!manifest_)
+        return lines;
+    if (const Promo* const promo = current_promo(*manifest_, day_of(girder::system_now())))
         lines += link_line(promo->url, single_line(promo->title));
-    const std::u16string packs = newer_packs(manifest_, language_packs(), encode(girder::read_product_version()));
+    const std::u16string packs = newer_packs(*manifest_, language_packs(), encode(girder::read_product_version()));
     if (!packs.empty())
         lines +=
             link_line(settings_.page, fmtkit::format(fmtkit::compile(text(string_id::newer_language_packs)), packs));
@@ -80,7 +82,7 @@ bool update_offer::on_timer(WPARAM timer)
     ::KillTimer(dialog_.window(), timer_id);
     if (result_)
         on_checked();
-    else if (!answered_)
+    else if (!manifest_)
         start();
     return true;
 }
@@ -114,26 +116,24 @@ void update_offer::on_checked() noexcept
         log_error(error);
         return;
     }
-    answered_ = true;
     try {
         update_answer answer = result->take();
-        manifest_ = std::move(answer.manifest);
-        offer(answer);
+        const Manifest& manifest = manifest_.emplace(std::move(answer.manifest));
+        offer(answer, manifest.version);
     } catch (const std::exception& error) {
         log_error(std::current_exception());
         report_operation_error(dialog_.window(), error);
     }
 }
 
-void update_offer::offer(update_answer& answer)
+void update_offer::offer(update_answer& answer, std::uint32_t version)
 {
     if (!answer.newer)
         return;
     if (!answer.installer) {
-        show_page();
+        show_page(version);
     } else if (ask_yes_no(dialog_.window(), text(string_id::product_name),
-                          text_with_version(string_id::update_offer, manifest_.version),
-                          girder::ui::message_icon::question)) {
+                          text_with_version(string_id::update_offer, version), girder::ui::message_icon::question)) {
         upgrade(*answer.installer);
     }
 }
@@ -154,10 +154,10 @@ void update_offer::upgrade(prepared_installer& installer)
         girder::throw_last_error("PostMessageW");
 }
 
-void update_offer::show_page()
+void update_offer::show_page(std::uint32_t version)
 {
     const girder::ui::message_button ok[] = {{.id = IDOK, .text = text(string_id::ok)}};
-    const std::u16string message = text_with_version(string_id::update_page, manifest_.version, settings_.page);
+    const std::u16string message = text_with_version(string_id::update_page, version, settings_.page);
     girder::ui::show_message_box(dialog_.window(), {.title = text(string_id::product_name),
                                                     .text = message,
                                                     .icon = girder::ui::message_icon::information,

@@ -6,8 +6,10 @@
 #include "ui/dialog.h"
 #include "update/update_check.h"
 
+#include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace tidelink {
@@ -46,17 +48,16 @@ private:
 
     void start();
     void on_checked() noexcept;
-    void offer(update_answer& answer);
+    void offer(update_answer& answer, std::uint32_t version);
     void upgrade(prepared_installer& installer);
-    void show_page();
+    void show_page(std::uint32_t version);
 
     girder::ui_thread& thread_;
     girder::ui::dialog& dialog_;
     settings settings_;
     changes changes_;
     girder::cancellation_source cancel_;
-    Manifest manifest_; ///< of the last answer
-    bool answered_ = false;
+    std::optional<Manifest> manifest_; ///< of the answer, once there is one
     std::shared_ptr<check_result> result_;
     std::shared_ptr<update_offer*> alive_ = std::make_shared<update_offer*>(this); ///< for what was posted
 };
